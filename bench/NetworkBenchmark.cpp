@@ -1,0 +1,275 @@
+// What the network costs over bare libcurl: a POST with its answer read, a burst of GETs, and a download.
+
+#include "model/VLSuggestionListDirectResponseModel.h"
+#include "net/VLInternetCacher.h"
+#include "net/VLWebServices.h"
+#include "platform/FileManager.h"
+#include "support/Await.h"
+#include "support/ScriptedServer.h"
+#include "support/Suggestions.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <deque>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <curl/curl.h>
+#include <stdlib.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace velmora;
+using Clock = std::chrono::steady_clock;
+
+namespace {
+
+constexpr std::size_t kVideoSize = std::size_t{50} * 1000 * 1000;
+
+double milliseconds(const std::function<void()>& work) {
+    const auto start = Clock::now();
+    work();
+    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+}
+
+double median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+/// The server in a process of its own, so that its memory and its time are not counted here.
+class ServerProcess {
+public:
+    ServerProcess() {
+        std::array<int, 2> pipe{};
+        if (::pipe(pipe.data()) != 0) std::exit(2);
+        process_ = ::fork();
+        if (process_ == 0) {
+            serve(pipe[1]);
+            ::_exit(0);
+        }
+        std::array<char, 100> text{};
+        const auto size = ::read(pipe[0], text.data(), text.size());
+        base.assign(text.data(), static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+    }
+    ~ServerProcess() {
+        ::kill(process_, SIGKILL);
+        ::waitpid(process_, nullptr, 0);
+    }
+    ServerProcess(const ServerProcess&) = delete;
+    ServerProcess& operator=(const ServerProcess&) = delete;
+
+    std::string base;
+
+private:
+    static void serve(int port) {
+        const auto list = test::Script::answer(200, bench::answer(8));
+        const auto small = test::Script::answer(200, "seen");
+        const auto video = test::Script::answer(200, std::string(kVideoSize, 'v'));
+        const test::ScriptedServer server([&](const test::SeenRequest& request) {
+            if (request.target.starts_with("/video")) return video;
+            return request.method == "POST" ? list : small;
+        });
+        const auto url = server.url("");
+        if (::write(port, url.data(), url.size()) < 0) return;
+        for (;;) ::pause();
+    }
+
+    pid_t process_ = 0;
+};
+
+std::size_t keep(char* bytes, std::size_t one, std::size_t size, void* text) {
+    static_cast<std::string*>(text)->append(bytes, one * size);
+    return one * size;
+}
+
+/// libcurl's multi interface as anyone would use it, in the calling thread.
+class BareCurl {
+public:
+    BareCurl() : multi_(curl_multi_init()) {}
+    ~BareCurl() { curl_multi_cleanup(multi_); }
+    BareCurl(const BareCurl&) = delete;
+    BareCurl& operator=(const BareCurl&) = delete;
+
+    /// So many GETs, at most 8 at a time.
+    void get(const std::string& url, int count) {
+        std::deque<std::string> bodies(static_cast<std::size_t>(count));
+        int started = 0;
+        int ended = 0;
+        while (ended < count) {
+            for (; started < count && started - ended < 8; ++started) {
+                auto* handle = make(url, bodies[static_cast<std::size_t>(started)]);
+                curl_multi_add_handle(multi_, handle);
+            }
+            ended += turn();
+        }
+    }
+
+    std::string post(const std::string& url, const std::string& body) {
+        std::string answer;
+        auto* handle = make(url, answer);
+        curl_slist* headers = curl_slist_append(nullptr, "Content-Type: application/json");
+        curl_easy_setopt(handle, CURLOPT_HTTPHEADER, headers);
+        curl_easy_setopt(handle, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
+        curl_easy_setopt(handle, CURLOPT_POSTFIELDS, body.data());
+        curl_multi_add_handle(multi_, handle);
+        while (turn() == 0) continue;
+        curl_slist_free_all(headers);
+        return answer;
+    }
+
+private:
+    static CURL* make(const std::string& url, std::string& body) {
+        auto* handle = curl_easy_init();
+        curl_easy_setopt(handle, CURLOPT_URL, url.c_str());
+        curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, keep);
+        curl_easy_setopt(handle, CURLOPT_WRITEDATA, &body);
+        return handle;
+    }
+
+    /// How many ended.
+    int turn() {
+        int running = 0;
+        int left = 0;
+        int ended = 0;
+        curl_multi_perform(multi_, &running);
+        while (const auto* message = curl_multi_info_read(multi_, &left)) {
+            auto* handle = message->easy_handle;
+            curl_multi_remove_handle(multi_, handle);
+            curl_easy_cleanup(handle);
+            ++ended;
+        }
+        if (ended == 0) curl_multi_poll(multi_, nullptr, 0, 1000, nullptr);
+        return ended;
+    }
+
+    CURLM* multi_;
+};
+
+void bareDownload(const std::string& url, const std::string& file) {
+    const auto command = "curl --silent --output '" + file + "' '" + url + "'";
+    if (std::system(command.c_str()) != 0) std::exit(2);
+}
+
+long peakKilobytes() {
+    rusage usage{};
+    ::getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
+
+int verdict(const char* name, double ours, double bare, double most, const char* unit) {
+    const double ratio = ours / bare;
+    std::printf("  %-40s %9.3f %9.3f %s %6.2f %6.2f%s\n", name, ours, bare, unit, ratio, most,
+                ratio > most ? "  BEYOND" : "");
+    std::fflush(stdout);
+    return ratio > most ? 1 : 0;
+}
+
+int compareDownloads(const std::string& base) {
+    const auto folder = platform::FileManager::documentsDirectory();
+    int number = 0;
+    const auto ours = [&](const std::string& path) {
+        test::Await<bool> end;
+        const auto name = "video-" + std::to_string(number++);
+        VLInternetCacher::sharedCacher().getFileAsyncFromUrl(
+            base + path, name, [&](const auto&, const auto&) { end.add(true); },
+            [&](const auto&, const auto&) { end.add(false); });
+        if (!end.count(1) || !end.values().front()) std::exit(2);
+        std::filesystem::remove(folder / name);
+    };
+    ours("/x");
+    const auto before = peakKilobytes();
+    ours("/video");
+    std::printf("  a 50 MB video: peak memory grew by %.1f MB (at most 4)\n",
+                static_cast<double>(peakKilobytes() - before) / 1024);
+    std::vector<double> oursTimes;
+    std::vector<double> bareTimes;
+    for (int round = 0; round < 9; ++round) {
+        oursTimes.push_back(milliseconds([&] { ours("/video"); }));
+        const auto file = (folder / "bare").string();
+        bareTimes.push_back(milliseconds([&] { bareDownload(base + "/video", file); }));
+        std::filesystem::remove(file);
+    }
+    return verdict("a 50 MB video, against curl -o", median(oursTimes), median(bareTimes), 1.15, "ms");
+}
+
+int comparePosts(const std::string& base) {
+    const std::string path = base + "/suggestions/";
+    const Dictionary body{{"zoneId", "main-menu"}, {"clientRequestedCacheType", 2}};
+    // To the success callback, which is where an application goes on; not to the thread that waits here.
+    const auto ours = [&] {
+        test::Await<double> end;
+        const auto start = Clock::now();
+        VLClient::sendRequestOfMethod(
+            VLHttpRequestMethod::post, path, std::nullopt, body, false,
+            receive<VLSuggestionListDirectResponseModel>(),
+            [&](std::int64_t, const VLResult&) {
+                end.add(std::chrono::duration<double, std::milli>(Clock::now() - start).count());
+            },
+            [&](const VLClientError&) { std::exit(2); });
+        if (!end.count(1)) std::exit(2);
+        return end.values().front();
+    };
+    BareCurl curl;
+    const auto text = platform::writeJson(body).value();
+    const auto bare = [&] {
+        const auto value = boost::json::parse(curl.post(path, text));
+        if (!value.is_object()) std::exit(2);
+    };
+    std::vector<double> oursTimes;
+    std::vector<double> bareTimes;
+    for (int round = 0; round < 2000; ++round) {
+        oursTimes.push_back(ours());
+        bareTimes.push_back(milliseconds(bare));
+    }
+    return verdict("a POST and its answer, p50", median(oursTimes), median(bareTimes), 1.3, "ms");
+}
+
+int compareBursts(const std::string& base) {
+    constexpr std::size_t count = 2000;
+    BareCurl curl;
+    std::vector<double> oursTimes;
+    std::vector<double> bareTimes;
+    std::vector<double> callTimes;
+    for (int round = 0; round < 9; ++round) {
+        oursTimes.push_back(milliseconds([&] {
+            // One notification at the end: waiting is not what is measured.
+            const auto left = std::make_shared<std::atomic<std::size_t>>(count);
+            const auto end = std::make_shared<test::Await<bool>>();
+            const auto one = [left, end](const auto&) {
+                if (--*left == 0) end->add(true);
+            };
+            callTimes.push_back(milliseconds([&] {
+                for (std::size_t i = 0; i < count; ++i) {
+                    VLWebServices::callUrl(base + "/t", one, one);
+                }
+            }));
+            if (!end->count(1)) std::exit(2);
+        }));
+        bareTimes.push_back(milliseconds([&] { curl.get(base + "/t", count); }));
+    }
+    std::printf("  2000 calls at once: %.1f us each for the caller (at most 10)\n",
+                median(callTimes) * 1000 / count);
+    return verdict("2000 calls at once, to the last end", median(oursTimes), median(bareTimes), 1.3, "ms");
+}
+
+}  // namespace
+
+int main() {
+    std::string folder = (std::filesystem::temp_directory_path() / "velmora-bench-XXXXXX").string();
+    if (mkdtemp(folder.data()) == nullptr) return 2;
+    setenv("XDG_DATA_HOME", folder.c_str(), 1);
+    const ServerProcess server;
+
+    std::printf("Over loopback, one server process%26s %9s    %6s %6s\n", "ours", "bare", "ratio", "most");
+    const int beyond = compareDownloads(server.base) + comparePosts(server.base) + compareBursts(server.base);
+    std::filesystem::remove_all(folder);
+    return beyond > 0 ? 1 : 0;
+}

@@ -1,0 +1,25 @@
+#include <velmora/VLAdRequestOptions.h>
+
+#include "core/VLAdRequestOptionsState.h"
+
+namespace velmora {
+
+VLAdRequestOptions::VLAdRequestOptions() : state_(std::make_unique<VLAdRequestOptionsState>()) {}
+
+VLAdRequestOptions::~VLAdRequestOptions() = default;
+
+void VLAdRequestOptions::setCacheType(std::int64_t cacheType) { state_->mCacheType.set(Value(cacheType)); }
+
+std::optional<std::int64_t> VLAdRequestOptions::getCacheTypeNumber() const {
+    const auto cacheType = state_->mCacheType.get();
+    if (!cacheType) return std::nullopt;
+    return platform::asInteger(*cacheType);
+}
+
+std::int64_t VLAdRequestOptions::getCacheType() const {
+    return platform::equals(state_->mCacheType.get(), 1) ? 1 : 2;
+}
+
+VLAdRequestOptionsState& VLAdRequestOptions::state() const noexcept { return *state_; }
+
+}  // namespace velmora

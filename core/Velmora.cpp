@@ -1,0 +1,90 @@
+#include <velmora/velmora.h>
+
+#include "core/VLLog.h"
+#include "core/VelmoraManager.h"
+#include "model/VLDefaults.h"
+#include "platform/CallOut.h"
+
+namespace velmora {
+
+namespace {
+
+/// The first callback that is missing, as the log names it; null when all are there.
+const char* missingCallback(const OnAdAvailable& onAdAvailable, const OnNoAdAvailable& onNoAdAvailable,
+                            const OnError& onError, const OnExpiring& onExpiring) {
+    if (!onAdAvailable) return "Nil block passed for onAdAvailable";
+    if (!onNoAdAvailable) return "Nil block passed for onNoAdAvailable";
+    if (!onError) return "Nil block passed for onError";
+    if (!onExpiring) return "Nil block passed for onExpiring";
+    return nullptr;
+}
+
+std::shared_ptr<VLConfiguration> defaultConfiguration() {
+    auto configuration = std::make_shared<VLConfiguration>();
+    configuration->setDebugMode(true);
+    configuration->setAppUserId(std::nullopt);
+    return configuration;
+}
+
+std::shared_ptr<VLAdRequestOptions> defaultOptions() {
+    auto options = std::make_shared<VLAdRequestOptions>();
+    options->setCacheType(2);
+    return options;
+}
+
+}  // namespace
+
+void Velmora::initializeWithAppKey(const std::optional<std::string>& key) {
+    initializeWithAppKey(key, nullptr);
+}
+
+void Velmora::initializeWithAppKey(const std::optional<std::string>& key,
+                                   const std::shared_ptr<VLConfiguration>& andConfig) {
+    if (!key) return VLLog("AppKey passed for initialization is null");
+
+    const auto configuration = andConfig ? andConfig : defaultConfiguration();
+    VLDefaults::setDeveloperKey(key);
+    VLDefaults::setDebugMode(configuration->isDebugMode());
+    VLLogger::setShallLog(configuration->isDebugMode());
+    VLDefaults::setAppUserId(configuration->appUserId());
+    VLLog("Velmora initialized successfully");
+}
+
+bool Velmora::isDebugMode() { return VLDefaults::getDebugMode(); }
+
+void Velmora::setDebugMode(bool debugMode) { VLDefaults::setDebugMode(debugMode); }
+
+void Velmora::requestAdForZone(const std::optional<std::string>& zone, const OnAdAvailable& onAdAvailable,
+                               const OnNoAdAvailable& onNoAdAvailable, const OnError& onError,
+                               const OnExpiring& onExpiring) {
+    requestAdForZone(zone, nullptr, onAdAvailable, onNoAdAvailable, onError, onExpiring);
+}
+
+void Velmora::requestAdForZone(const std::optional<std::string>& zone,
+                               const std::shared_ptr<VLAdRequestOptions>& andOptions,
+                               const OnAdAvailable& onAdAvailable, const OnNoAdAvailable& onNoAdAvailable,
+                               const OnError& onError, const OnExpiring& onExpiring) {
+    const auto options = andOptions ? andOptions : defaultOptions();
+    if (const char* missing = missingCallback(onAdAvailable, onNoAdAvailable, onError, onExpiring)) {
+        return VLLog(missing);
+    }
+    auto wanted = zone;
+    if (wanted && wanted->empty()) {
+        VLLog("Empty zoneId replaced with nil");
+        wanted.reset();
+    }
+    if (const auto ad = VelmoraManager::getValidCachedAdForZone(wanted)) {
+        VLLog("Ad is already fetched and valid, returning to callback...");
+        return platform::callOut("onAdAvailable", [&] { onAdAvailable(ad); });
+    }
+    VLLog("Ad is not fetched, fetching new ad...");
+    VelmoraManager::requestAdForZone(wanted, options, onAdAvailable, onNoAdAvailable, onError, onExpiring);
+}
+
+void Velmora::setAdShowFinishedCallback(OnAdShowFinished callback) {
+    VelmoraManager::setAdShowFinishedCallback(std::move(callback));
+}
+
+std::string Velmora::getVersion() { return VelmoraManager::sdkVersion(); }
+
+}  // namespace velmora

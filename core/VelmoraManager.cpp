@@ -1,0 +1,61 @@
+#include "core/VelmoraManager.h"
+
+#include "core/LogFormat.h"
+#include "platform/CallOut.h"
+#include "platform/Immortal.h"
+#include "platform/Mutex.h"
+
+#include <utility>
+
+namespace velmora {
+
+namespace {
+
+struct Callback {
+    platform::Mutex mutex;
+    /// Null without one. Shared, so that what the application put into it is not copied under the lock.
+    std::shared_ptr<const OnAdShowFinished> onAdShowFinished VELMORA_GUARDED_BY(mutex);
+};
+
+Callback& callback() {
+    static platform::Immortal<Callback> instance;
+    return *instance;
+}
+
+}  // namespace
+
+std::string VelmoraManager::sdkVersion() { return "3.0.0"; }
+
+void VelmoraManager::setAdShowFinishedCallback(OnAdShowFinished next) {
+    auto shared = next ? std::make_shared<const OnAdShowFinished>(std::move(next)) : nullptr;
+    // The old one is destroyed after the lock is released: it may hold objects of the application.
+    const platform::MutexLock lock(callback().mutex);
+    callback().onAdShowFinished.swap(shared);
+}
+
+void VelmoraManager::onAdShowFinished(const std::shared_ptr<VelmoraAd>& ad, bool completed) {
+    std::shared_ptr<const OnAdShowFinished> function;
+    {
+        const platform::MutexLock lock(callback().mutex);
+        function = callback().onAdShowFinished;
+    }
+    if (function) platform::callOut("the ad-show-finished callback", [&] { (*function)(ad, completed); });
+}
+
+std::shared_ptr<VelmoraAd> VelmoraManager::getValidCachedAdForZone(const std::optional<std::string>&) {
+    return nullptr;
+}
+
+std::shared_ptr<VelmoraAd> VelmoraManager::getValidCachedAdForZone(const std::optional<std::string>&,
+                                                                   std::int64_t) {
+    return nullptr;
+}
+
+void VelmoraManager::requestAdForZone(const std::optional<std::string>&,
+                                      const std::shared_ptr<VLAdRequestOptions>&, const OnAdAvailable&,
+                                      const OnNoAdAvailable&, const OnError& onError, const OnExpiring&) {
+    const auto message = formatLogLine("Error fetching data from server, code:%li ,error:%@", {-1, nullptr});
+    platform::callOut("onError", [&] { onError(message); });
+}
+
+}  // namespace velmora

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <velmora/velmora.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace velmora {
+
+/// What stands behind the facade: the request for an ad, and the callback for the end of a showing.
+class VelmoraManager {
+public:
+    VelmoraManager() = delete;
+
+    /// The library's version.
+    [[nodiscard]] static std::string sdkVersion();
+
+    /// Replaces the callback set before; an empty one clears it.
+    static void setAdShowFinishedCallback(OnAdShowFinished callback);
+
+    /// Calls the callback, if there is one, on the calling thread.
+    static void onAdShowFinished(const std::shared_ptr<VelmoraAd>& ad, bool completed);
+
+    /// Always null: the place where a later version returns a stored ad that is still valid.
+    [[nodiscard]] static std::shared_ptr<VelmoraAd>
+    getValidCachedAdForZone(const std::optional<std::string>& zone);
+    [[nodiscard]] static std::shared_ptr<VelmoraAd>
+    getValidCachedAdForZone(const std::optional<std::string>& zone, std::int64_t withCacheType);
+
+    /// Asks the service for an ad. Nothing here reaches the service yet: `onError` says so, on the calling
+    /// thread.
+    static void requestAdForZone(const std::optional<std::string>& zone,
+                                 const std::shared_ptr<VLAdRequestOptions>& andOptions,
+                                 const OnAdAvailable& onAdAvailable, const OnNoAdAvailable& onNoAdAvailable,
+                                 const OnError& onError, const OnExpiring& onExpiring);
+};
+
+}  // namespace velmora

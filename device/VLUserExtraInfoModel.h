@@ -1,0 +1,35 @@
+#pragma once
+
+#include "model/VLSerializedModel.h"
+
+namespace velmora {
+
+class GeoInfo;
+
+/// The device, the host application and the user, as request bodies describe them.
+class VLUserExtraInfoModel final : public VLSerializedModel {
+public:
+    /// The shared description, made anew by every call once there is one; null in this version, in which
+    /// nothing makes the first. Any thread.
+    [[nodiscard]] static std::shared_ptr<VLUserExtraInfoModel> getInstance();
+
+    Property imei;
+    Property screenWidth;        ///< pixels
+    Property screenHeight;       ///< pixels
+    Property screenDensity;      ///< dots per inch: the screen's scale times 160
+    Property screenOrientation;  ///< 1 portrait, 2 landscape
+    Property appVersion;
+    Property carrier;
+    Property deviceModel;
+    Property deviceManufacturer;
+    Property deviceBrand;
+    Property deviceLanguage;
+    std::shared_ptr<GeoInfo> geoInfo;  ///< absent when the place may not be used
+    Property mcc;                      ///< mobile country code
+    Property mnc;                      ///< mobile network code
+
+private:
+    [[nodiscard]] const Schema& schema() const override;
+};
+
+}  // namespace velmora

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include <velmora/export.h>
+
+namespace velmora {
+
+class VLAdRequestOptions;
+class VelmoraAdState;
+
+/// An ad that was offered to the application, as its callbacks receive it. Safe to use from any thread.
+///
+/// A handle that the application makes itself holds no ad; it has an identifier and counts as valid.
+class VELMORA_EXPORT VelmoraAd {
+public:
+    VelmoraAd();
+    ~VelmoraAd();
+    VelmoraAd(const VelmoraAd&) = delete;
+    VelmoraAd& operator=(const VelmoraAd&) = delete;
+
+    /// The identifier that the service gave the ad, absent when it gave none. A handle without an ad has one
+    /// made from its zone, or a fixed one.
+    [[nodiscard]] std::optional<std::string> getId() const;
+
+    /// The zone the ad was requested for; absent when the request named none.
+    [[nodiscard]] std::optional<std::string> getZoneId() const;
+
+    /// When the ad became ready, in milliseconds since 1970 (UTC).
+    [[nodiscard]] std::optional<std::int64_t> getCacheTime() const;
+
+    /// The downloaded video; absent for an ad that is streamed.
+    [[nodiscard]] std::optional<std::string> getVideoFilePath() const;
+
+    /// The options the ad was requested with; may be null.
+    [[nodiscard]] std::shared_ptr<VLAdRequestOptions> getRequestOptions() const;
+
+    [[nodiscard]] bool isAdShown() const;
+
+    /// Rewarded or not. False, like the two below, for a handle without an ad.
+    [[nodiscard]] bool isVideoAd() const;
+    [[nodiscard]] bool isRewardedAd() const;
+    [[nodiscard]] bool isBannerAd() const;
+
+    /// Whether the time that the service gave the ad has run out. False where it gave none.
+    [[nodiscard]] bool isExpired() const;
+
+    /// Whether no file lies at the video file path; true when there is no such path.
+    [[nodiscard]] bool isFileRemoved() const;
+
+    /// Whether the ad can be shown now. A video needs its request options and, when it was to be downloaded,
+    /// its file; no ad is valid beyond its time.
+    [[nodiscard]] bool isValid() const;
+
+    /// For the library's own use: what the handle holds, and its stored form.
+    [[nodiscard]] VELMORA_INTERNAL VelmoraAdState& state() const noexcept;
+
+private:
+    std::unique_ptr<VelmoraAdState> state_;
+};
+
+}  // namespace velmora

@@ -1,0 +1,16 @@
+#include "model/VLCachedVelmoraAds.h"
+
+#include "core/VelmoraAdState.h"
+#include "model/Schema.h"
+
+namespace velmora {
+
+const Schema& VLCachedVelmoraAds::schema() const {
+    static constexpr Field fields[]{
+        list<&VLCachedVelmoraAds::cachedVelmoraAds>("cachedVelmoraAds"),
+    };
+    static constexpr Schema table(fields);
+    return table;
+}
+
+}  // namespace velmora

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "model/VLSerializedModel.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace velmora {
+
+class VLActionModel;
+class VLSkipStarPercentageModel;
+class VLVastTrackingData;
+class VLVibrationPattern;
+
+/// The kind of a creative, "ctaType" in JSON.
+enum class VLCreativeType : std::int64_t {
+    rewardedVideo = 1,
+    banner = 2,
+    video = 3,
+    unknown = 800,
+};
+
+/// What a suggestion shows, and how its call to action works.
+class VLDirectCreativeModel final : public VLSerializedModel {
+public:
+    VLDirectCreativeModel() = default;
+    VLDirectCreativeModel(std::int64_t type, const std::optional<std::string>& andCtaUrl,
+                          std::shared_ptr<VLActionModel> andActionModel,
+                          std::shared_ptr<VLSkipStarPercentageModel> andSkipStartPercentage,
+                          ModelList<VLVibrationPattern> andVibrationPatterns,
+                          std::shared_ptr<VLVastTrackingData> andVastTrackingData);
+
+    /// The kind; `unknown` for an absent type and for every other number.
+    [[nodiscard]] VLCreativeType getCreativeTypeEnum() const;
+
+    [[nodiscard]] VLCreativeType getCtaType() const { return getCreativeTypeEnum(); }
+
+    /// Whether this version can show it: a video needs a URL and an action of type 1, a banner a URL.
+    [[nodiscard]] bool isSupported() const;
+
+    Property ctaType;
+    Property ctaUrl;
+    std::shared_ptr<VLActionModel> action;
+    std::shared_ptr<VLSkipStarPercentageModel> skipStartPercentage;
+    /// Reading leaves the list empty, whatever the entry holds.
+    ModelList<VLVibrationPattern> vibrationPatterns;
+    std::shared_ptr<VLVastTrackingData> vastTrackingData;
+
+private:
+    [[nodiscard]] const Schema& schema() const override;
+};
+
+}  // namespace velmora

@@ -1,0 +1,19 @@
+#include "model/VLDoneAdSuggestion.h"
+
+#include "model/Schema.h"
+
+namespace velmora {
+
+const Schema& VLDoneAdSuggestion::schema() const {
+    static constexpr Field fields[]{
+        plain<&VLDoneAdSuggestion::suggestionId>("suggestionId"),
+        plain<&VLDoneAdSuggestion::callToActionId>("callToActionId"),
+        plain<&VLDoneAdSuggestion::donePercentage>("donePercentage"),
+        plain<&VLDoneAdSuggestion::doneSeconds>("doneSeconds"),
+        plain<&VLDoneAdSuggestion::extraInfo>("extraInfo"),
+    };
+    static constexpr Schema table(fields);
+    return table;
+}
+
+}  // namespace velmora

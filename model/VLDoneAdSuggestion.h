@@ -1,0 +1,20 @@
+#pragma once
+
+#include "model/VLSerializedModel.h"
+
+namespace velmora {
+
+/// An ad that was shown to its end, and how much of it was seen.
+class VLDoneAdSuggestion final : public VLSerializedModel {
+public:
+    Property suggestionId;
+    Property callToActionId;
+    Property donePercentage;  ///< percent
+    Property doneSeconds;     ///< seconds
+    Property extraInfo;       ///< a dictionary
+
+private:
+    [[nodiscard]] const Schema& schema() const override;
+};
+
+}  // namespace velmora

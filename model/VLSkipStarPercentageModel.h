@@ -1,0 +1,17 @@
+#pragma once
+
+#include "model/VLSerializedModel.h"
+
+namespace velmora {
+
+/// From when on a video may be skipped.
+class VLSkipStarPercentageModel final : public VLSerializedModel {
+public:
+    Property skipStartPercentageType;  ///< JSON key "type"; a missing entry reads as 0
+    Property skipStartPercentage;
+
+private:
+    [[nodiscard]] const Schema& schema() const override;
+};
+
+}  // namespace velmora

@@ -1,0 +1,161 @@
+#include "net/VLWebServices.h"
+
+#include "model/VLDefaults.h"
+#include "model/VLRewardResponseModel.h"
+#include "model/VLSuggestionListDirectResponseModel.h"
+#include "net/VLCachedRequestItem.h"
+
+#include <cstdlib>
+
+namespace velmora {
+
+namespace {
+
+constexpr std::int64_t kServerError = 500;
+
+VLClientSuccess asText(const VLSuccess<std::optional<std::string>>& success) {
+    return [success](std::int64_t, const VLResult& result) { success(resultAsText(result)); };
+}
+
+VLClientSuccess asList(const VLSuccess<std::shared_ptr<VLSuggestionListDirectResponseModel>>& success) {
+    return [success](std::int64_t, const VLResult& result) {
+        success(resultAs<VLSuggestionListDirectResponseModel>(result));
+    };
+}
+
+/// The texts of an array; absent when the property is not one.
+std::optional<std::vector<std::string>> textsOf(const Property& property) {
+    const auto* array = property ? property->if_array() : nullptr;
+    if (array == nullptr) return std::nullopt;
+    std::vector<std::string> texts;
+    for (const auto& element : *array) {
+        if (auto text = platform::asString(element)) texts.push_back(std::move(*text));
+    }
+    return texts;
+}
+
+std::optional<Dictionary> dictionaryIn(const Property& property) {
+    const auto* dictionary = property ? property->if_object() : nullptr;
+    return dictionary != nullptr ? std::optional(*dictionary) : std::nullopt;
+}
+
+/// What a request of the queue removes from the store once the service has dealt with it. The final states go
+/// by the ids of the done suggestions too, not by ids of their own.
+std::function<void()> removalFor(const VLCachedRequestItem& item) {
+    const auto ids = textsOf(item.callBackDoneSuggestionIds);
+    switch (item.getCallBackTypeEnum()) {
+    case VLCallBackType::rewardWithFinalStates:
+        return [ids] {
+            VLDefaults::removeFinalStatesByIds(ids);
+            VLDefaults::removeDoneSuggestionsByIds(ids);
+        };
+    case VLCallBackType::rewardWithoutFinalStates:
+        return [ids] { VLDefaults::removeDoneSuggestionsByIds(ids); };
+    case VLCallBackType::none: break;
+    }
+    return {};
+}
+
+}  // namespace
+
+std::string VLWebServices::siteRootUrl() {
+    const char* given = std::getenv("VELMORA_API_BASE_URL");
+    std::string base = given != nullptr && *given != '\0' ? given : VELMORA_DEFAULT_API_BASE_URL;
+    while (base.ends_with('/')) base.pop_back();
+    return base;
+}
+
+std::string VLWebServices::getSuggestionsUrl() { return siteRootUrl() + "/suggestions/"; }
+
+std::string VLWebServices::getSuggestionSelectionUrl(const std::string& suggestionId) {
+    return siteRootUrl() + "/suggestions/" + suggestionId + "/status/";
+}
+
+std::string VLWebServices::getRewardsUrl() { return siteRootUrl() + "/suggestions/get-reward"; }
+
+std::string VLWebServices::getTrackerReportUrl() { return siteRootUrl() + "/suggestions/tracker/done"; }
+
+std::string VLWebServices::getCrashReportUrl() { return siteRootUrl() + "/common/send-crash"; }
+
+std::string VLWebServices::getTokenUrl() { return siteRootUrl() + "/token/"; }
+
+std::string VLWebServices::getCachingStrategyUrl() { return siteRootUrl() + "/strategies/caching"; }
+
+std::string VLWebServices::getVastUrlForZone(const std::optional<std::string>& zone) {
+    return siteRootUrl() + "/pre-roll/" + zone.value_or("(null)") + "/vast";
+}
+
+void VLWebServices::getAdSuggestionsWithBody(
+    const std::shared_ptr<VLSerializedModel>& body,
+    const VLSuccess<std::shared_ptr<VLSuggestionListDirectResponseModel>>& success,
+    const VLFailure& failure) {
+    // An empty callback is checked when the answer is there: an answer with status 200 is no failure without
+    // it.
+    const auto checked = [success](const std::shared_ptr<VLSuggestionListDirectResponseModel>& list) {
+        if (success) success(list);
+    };
+    callWebServiceOfMethod(VLHttpRequestMethod::post, getSuggestionsUrl(), std::nullopt, body, true,
+                           receive<VLSuggestionListDirectResponseModel>(), asList(checked), failure);
+}
+
+void VLWebServices::sendCrashReportWithBody(const std::shared_ptr<VLSerializedModel>& body,
+                                            const VLSuccess<std::optional<std::string>>& success,
+                                            const VLFailure& failure) {
+    callWebServiceOfMethod(VLHttpRequestMethod::get, getCrashReportUrl(), std::nullopt, body, false, {},
+                           asText(success), failure);
+}
+
+void VLWebServices::callUrl(const std::string& url, const VLSuccess<std::optional<std::string>>& success,
+                            const VLFailure& failure) {
+    callWebServiceOfMethod(VLHttpRequestMethod::get, url, std::nullopt, std::shared_ptr<VLSerializedModel>(),
+                           false, {}, asText(success), failure);
+}
+
+void VLWebServices::getCachingStrategyForZoneId(
+    const std::optional<std::string>& zoneId, std::int64_t doneCount, std::int64_t doingCount,
+    const VLSuccess<std::shared_ptr<VLSuggestionListDirectResponseModel>>& success,
+    const VLFailure& failure) {
+    Dictionary params{{"doneCount", std::to_string(doneCount)}, {"doingCount", std::to_string(doingCount)}};
+    if (zoneId) params["zoneId"] = *zoneId;
+    callWebServiceOfMethod(VLHttpRequestMethod::get, getCachingStrategyUrl(), params,
+                           std::shared_ptr<VLSerializedModel>(), true,
+                           receive<VLSuggestionListDirectResponseModel>(), asList(success), failure);
+}
+
+void VLWebServices::callCachedRequest(const std::shared_ptr<VLCachedRequestItem>& item,
+                                      const std::function<void(std::int64_t status)>& success,
+                                      const VLFailure& failure) {
+    if (!item) return;
+    const auto remove = removalFor(*item);
+    const auto onSuccess = [remove, success](std::int64_t status, const VLResult&) {
+        if (remove) remove();
+        if (success) success(status);
+    };
+    const auto onFailure = [remove, failure](const VLClientError& error) {
+        if (remove && error.responseCode() == kServerError) remove();
+        if (failure) failure(error);
+    };
+    callWebServiceOfMethod(item->getHTTPRequestMode(),
+                           platform::asString(item->getUrl()).value_or(std::string()),
+                           dictionaryIn(item->getInputs()), dictionaryIn(item->getJsonParams()),
+                           item->shouldIncludeCustomHeaders(),
+                           remove ? receive<VLRewardResponseModel>() : VLReceive(), onSuccess, onFailure);
+}
+
+std::shared_ptr<VLDataTask> VLWebServices::callWebServiceOfMethod(
+    VLHttpRequestMethod method, const std::string& withPath, const std::optional<Dictionary>& withParams,
+    const std::optional<Dictionary>& withDictBody, bool includeCustomHeaders, const VLReceive& receive,
+    const VLClientSuccess& success, const VLClientFailure& failure) {
+    return VLClient::sendRequestOfMethod(method, withPath, withParams, withDictBody, includeCustomHeaders,
+                                         receive, success, failure, VLRetryMode::withNewToken);
+}
+
+std::shared_ptr<VLDataTask> VLWebServices::callWebServiceOfMethod(
+    VLHttpRequestMethod method, const std::string& withPath, const std::optional<Dictionary>& withParams,
+    const std::shared_ptr<VLSerializedModel>& withBody, bool includeCustomHeaders, const VLReceive& receive,
+    const VLClientSuccess& success, const VLClientFailure& failure) {
+    return VLClient::sendRequestOfMethod(method, withPath, withParams, withBody, includeCustomHeaders,
+                                         receive, success, failure, VLRetryMode::withNewToken);
+}
+
+}  // namespace velmora

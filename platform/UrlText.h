@@ -1,0 +1,29 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace velmora::platform {
+
+/// The characters that stay as they are when a text is percent-encoded (RFC 3986); every other byte of its
+/// UTF-8 form, the percent sign included, becomes %XX.
+enum class UrlCharacters {
+    queryAllowed,  ///< unreserved, sub-delims, and : @ / ?
+    hostAllowed,   ///< unreserved, sub-delims, and : [ ]
+};
+
+[[nodiscard]] std::string percentEncoded(std::string_view text, UrlCharacters allowed);
+
+/// One name=value pair of a URL's query, percent-decoded. The value is absent where the pair has no "=".
+struct UrlQueryItem {
+    std::string name;
+    std::optional<std::string> value;
+};
+
+/// The pairs of a URL's query in their order, repeated names included. A plus sign stays a plus sign. Absent
+/// when the text is not a URL or has no query.
+[[nodiscard]] std::optional<std::vector<UrlQueryItem>> queryItems(std::string_view url);
+
+}  // namespace velmora::platform

@@ -1,0 +1,186 @@
+#include "platform/desktop/CurlLoop.h"
+
+#include "platform/CallOut.h"
+#include "platform/UrlSession.h"
+#include "platform/desktop/CurlTransfer.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace velmora::platform {
+
+namespace {
+
+constexpr std::chrono::milliseconds kIdleTimeout{60'000};
+/// With nothing in flight the thread wakes only when it is woken.
+constexpr std::chrono::milliseconds kLongestSleep{std::chrono::hours(1)};
+constexpr std::chrono::milliseconds kPatienceAtTheEnd{1000};
+constexpr std::size_t kMostHeldBack = 64;
+constexpr long kKeptConnections = 64;
+
+CURLM* makeMulti() {
+    curl_global_init(CURL_GLOBAL_DEFAULT);
+    auto* multi = curl_multi_init();
+    curl_multi_setopt(multi, CURLMOPT_MAXCONNECTS, kKeptConnections);
+    return multi;
+}
+
+CURLSH* makeShare() {
+    // Only the loop's thread uses it, so that it needs no locks.
+    auto* share = curl_share_init();
+    curl_share_setopt(share, CURLSHOPT_SHARE, CURL_LOCK_DATA_COOKIE);
+    return share;
+}
+
+}  // namespace
+
+CurlLoop::CurlLoop()
+    : idleTimeout(kIdleTimeout), multi_(makeMulti()), share_(makeShare()), thread_([this] { run(); }) {}
+
+void CurlLoop::submit(Transfer transfer) {
+    {
+        const MutexLock lock(mutex_);
+        submitted_.push_back(std::move(transfer));
+    }
+    // A wake-up costs a system call, which a burst of submissions needs once.
+    if (maySleep_.exchange(false)) curl_multi_wakeup(multi_);
+}
+
+void CurlLoop::deliver(std::function<void()> work) {
+    ended_.emplace_back([this, work = std::move(work)] {
+        if (!leaving_) work();
+    });
+}
+
+void CurlLoop::leave() {
+    leaving_ = true;
+    curl_multi_wakeup(multi_);
+    thread_.join();
+    for (auto& [handle, flight] : flights_) flight.transfer->dropFile();
+    delegateQueue_.stop(kPatienceAtTheEnd);
+}
+
+void CurlLoop::run() {
+    // At the end nothing is cleaned up: the process goes, and a name look-up in progress could hold it.
+    while (!leaving_) {
+        callOut("the network loop", [this] { turn(); });
+    }
+}
+
+void CurlLoop::turn() {
+    takeIn();
+    int running = 0;
+    startedAny_ = false;
+    curl_multi_perform(multi_, &running);
+    endDone();
+    endIdle();
+    // What was started is sent off before the delegate queue is woken: the server works meanwhile. But
+    // completions must not wait for a load that does not end.
+    if (startedAny_ && ended_.size() < kMostHeldBack) return;
+    delegateQueue_.async(std::exchange(ended_, {}));
+    sleep();
+}
+
+void CurlLoop::takeIn() {
+    std::vector<Transfer> submitted;
+    {
+        const MutexLock lock(mutex_);
+        submitted.swap(submitted_);
+    }
+    for (auto& transfer : submitted) takeIn(std::move(transfer));
+}
+
+void CurlLoop::takeIn(Transfer transfer) {
+    if (transfer->isEnded()) return;
+    if (transfer->wasCancelled()) {
+        if (flights_.contains(transfer->handle())) return land(transfer->handle(), UrlError::cancelled);
+        // One that waits for its host is passed over when its turn comes.
+        return transfer->finish(UrlError::cancelled);
+    }
+    const auto host = transfer->destination();
+    if (!host) return;
+    hosts_[*host].waiting.push_back(std::move(transfer));
+    startWaiting(*host);
+}
+
+void CurlLoop::startWaiting(const std::string& name) {
+    auto& host = hosts_[name];
+    while (host.inFlight < UrlSession::kMostInFlightPerHost && !host.waiting.empty()) {
+        const auto transfer = std::move(host.waiting.front());
+        host.waiting.pop_front();
+        if (transfer->isEnded()) continue;
+        auto fresh = freshHandle();
+        if (!fresh) {
+            transfer->finish(UrlError::unknown);
+            continue;
+        }
+        transfer->prepare(std::move(fresh));
+        if (curl_multi_add_handle(multi_, transfer->handle()) != CURLM_OK) {
+            transfer->finish(UrlError::unknown);
+            continue;
+        }
+        startedAny_ = true;
+        flights_.emplace(transfer->handle(), Flight{transfer, name});
+        ++host.inFlight;
+    }
+    if (host.inFlight == 0 && host.waiting.empty()) hosts_.erase(name);
+}
+
+CurlHandle CurlLoop::freshHandle() {
+    if (spare_.empty()) return CurlTransfer::makeHandle(share_);
+    auto handle = std::move(spare_.back());
+    spare_.pop_back();
+    return handle;
+}
+
+void CurlLoop::endDone() {
+    int left = 0;
+    while (const auto* message = curl_multi_info_read(multi_, &left)) {
+        // The message is gone once its handle is taken out.
+        if (message->msg == CURLMSG_DONE) land(message->easy_handle, message->data.result);
+    }
+}
+
+void CurlLoop::endIdle() {
+    const auto oldest = std::chrono::steady_clock::now() - idleTimeout.load();
+    std::vector<CURL*> idle;
+    for (const auto& [handle, flight] : flights_) {
+        if (flight.transfer->lastActivity() < oldest) idle.push_back(handle);
+    }
+    for (auto* handle : idle) land(handle, UrlError::timedOut);
+}
+
+void CurlLoop::sleep() {
+    auto longest = kLongestSleep;
+    for (const auto& [handle, flight] : flights_) {
+        const auto left =
+            flight.transfer->lastActivity() + idleTimeout.load() - std::chrono::steady_clock::now();
+        longest = std::clamp(std::chrono::ceil<std::chrono::milliseconds>(left), {}, longest);
+    }
+    if (startedAny_) return;
+    maySleep_ = true;
+    const bool nothingNew = [this] {
+        const MutexLock lock(mutex_);
+        return submitted_.empty();
+    }();
+    if (nothingNew && !leaving_) {
+        curl_multi_poll(multi_, nullptr, 0, static_cast<int>(longest.count()) + 1, nullptr);
+    }
+    maySleep_ = false;
+}
+
+template <class Result>
+void CurlLoop::land(CURL* handle, Result result) {
+    const auto found = flights_.find(handle);
+    const auto flight = std::move(found->second);
+    flights_.erase(found);
+    curl_multi_remove_handle(multi_, handle);
+    flight.transfer->finish(result);
+    // Taken here in any case: a handle belongs to this thread, and the transfer may go on another one.
+    auto own = flight.transfer->takeHandle();
+    if (spare_.size() < UrlSession::kMostInFlightPerHost) spare_.push_back(std::move(own));
+    --hosts_[flight.host].inFlight;
+    startWaiting(flight.host);
+}
+
+}  // namespace velmora::platform

@@ -1,0 +1,102 @@
+#pragma once
+
+#include "platform/UrlSession.h"
+#include "platform/desktop/PartialFile.h"
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include <curl/curl.h>
+
+namespace velmora::platform {
+
+class CurlLoop;
+class SerialQueue;
+
+struct CurlCleanup {
+    void operator()(CURL* handle) const noexcept { curl_easy_cleanup(handle); }
+    void operator()(CURLU* url) const noexcept { curl_url_cleanup(url); }
+    void operator()(curl_slist* list) const noexcept { curl_slist_free_all(list); }
+};
+using CurlHandle = std::unique_ptr<CURL, CurlCleanup>;
+
+/// One exchange. `resume`, `cancel` and `state` belong to any thread, all else to the loop's.
+class CurlTransfer final : public UrlTask, public std::enable_shared_from_this<CurlTransfer> {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    CurlTransfer(CurlLoop& loop, UrlRequest request, std::optional<std::filesystem::path> file,
+                 UrlSession::Completion completion);
+
+    void resume() override;
+    void cancel() override;
+
+    [[nodiscard]] State state() const override { return state_; }
+
+    /// Which host it goes to, as "scheme://host:port"; absent, with the error set, when it may not be sent.
+    [[nodiscard]] std::optional<std::string> destination();
+
+    /// An easy handle with the settings that all transfers share; null without memory.
+    [[nodiscard]] static CurlHandle makeHandle(CURLSH* share);
+
+    /// Sets what is this transfer's own, so that the handle can be added to a multi handle.
+    void prepare(CurlHandle handle);
+    /// Gives the easy handle up once the exchange has ended.
+    [[nodiscard]] CurlHandle takeHandle() { return std::move(handle_); }
+
+    [[nodiscard]] CURL* handle() const { return handle_.get(); }
+
+    [[nodiscard]] bool isEnded() const { return ended_; }
+
+    [[nodiscard]] bool wasCancelled() const { return state_ == State::canceling; }
+
+    /// When something last moved.
+    [[nodiscard]] Clock::time_point lastActivity() const { return lastActivity_; }
+
+    /// For the end of the process: what has arrived of a file goes.
+    void dropFile() { partial_.reset(); }
+
+    void finish(CURLcode code);
+    void finish(UrlError::Code code);
+
+private:
+    static std::size_t onBody(char* bytes, std::size_t one, std::size_t size, void* transfer);
+    static std::size_t onHeader(char* bytes, std::size_t one, std::size_t size, void* transfer);
+    static int onProgress(void* transfer, curl_off_t, curl_off_t, curl_off_t, curl_off_t sent);
+
+    void setMethodAndBody();
+    void setHeaders();
+    void setSecurity();
+    [[nodiscard]] std::optional<UrlResponse> response() const;
+    void finishUnsupported();
+    void complete(std::optional<UrlError> error);
+
+    CurlLoop& loop_;
+    const UrlRequest request_;
+    /// The certificates to trust, as the environment was when the task was made; empty for the system's.
+    const std::string certificates_;
+    UrlSession::Completion completion_;
+    std::atomic<State> state_{State::suspended};
+
+    std::optional<std::filesystem::path> file_;
+    std::unique_ptr<PartialFile> partial_;
+    std::string body_;
+    bool tooLong_ = false;
+    bool ended_ = false;
+    bool toLoopback_ = false;
+    std::size_t headerSize_ = 0;
+    curl_off_t sent_ = 0;
+    Clock::time_point lastActivity_;
+
+    std::unique_ptr<CURLU, CurlCleanup> url_;
+    CurlHandle handle_;
+    std::unique_ptr<curl_slist, CurlCleanup> headers_;
+    std::array<char, CURL_ERROR_SIZE> message_{};
+};
+
+}  // namespace velmora::platform

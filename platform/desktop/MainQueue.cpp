@@ -1,0 +1,91 @@
+#include "platform/MainQueue.h"
+
+#include "platform/CallOut.h"
+#include "platform/Clock.h"
+#include "platform/Immortal.h"
+#include "platform/Mutex.h"
+
+#include <deque>
+#include <memory>
+
+#include <QCoreApplication>
+#include <QObject>
+
+namespace velmora::platform {
+
+namespace {
+
+/// The work that waits, and the object of the main thread that is told of it.
+class Waiting {
+public:
+    static Waiting& instance() {
+        static Immortal<Waiting> waiting;
+        return *waiting;
+    }
+
+    void add(MainQueue::Work work) {
+        if (!work) return;
+        const MutexLock lock(mutex_);
+        work_.push_back(std::move(work));
+        if (receiver_ && work_.size() == 1) wake();
+    }
+
+    /// The application object has come: what waited is due at the first turns of its event loop.
+    void attach() {
+        auto receiver = std::make_unique<QObject>();
+        receiver->moveToThread(QCoreApplication::instance()->thread());
+        const MutexLock lock(mutex_);
+        receiver_ = std::move(receiver);
+        if (!work_.empty()) wake();
+    }
+
+    /// The application object goes: work waits for the next one.
+    void detach() {
+        std::unique_ptr<QObject> receiver;
+        const MutexLock lock(mutex_);
+        receiver.swap(receiver_);
+    }
+
+private:
+    /// Runs one piece of work at a later turn. While any waits, one such call is on its way.
+    void wake() VELMORA_REQUIRES(mutex_) {
+        QMetaObject::invokeMethod(
+            receiver_.get(), [this] { runNext(); }, Qt::QueuedConnection);
+    }
+
+    void runNext() {
+        MainQueue::Work work;
+        {
+            const MutexLock lock(mutex_);
+            if (work_.empty()) return;
+            work = std::move(work_.front());
+            work_.pop_front();
+            // Before the work and not after it, so that work which runs an event loop of its own does not
+            // hold up the rest; and not earlier, because such a loop sleeps over what was posted before it.
+            if (!work_.empty() && receiver_) wake();
+        }
+        if (work) callOut("work on the main queue", work);
+    }
+
+    Mutex mutex_;
+    std::deque<MainQueue::Work> work_ VELMORA_GUARDED_BY(mutex_);
+    std::unique_ptr<QObject> receiver_ VELMORA_GUARDED_BY(mutex_);
+};
+
+void attachToApplication() {
+    Waiting::instance().attach();
+    qAddPostRoutine([] { Waiting::instance().detach(); });
+}
+
+// Runs with every application object that is made, at once if there is one when the library is loaded.
+Q_COREAPP_STARTUP_FUNCTION(attachToApplication)
+
+}  // namespace
+
+void MainQueue::async(Work work) { Waiting::instance().add(std::move(work)); }
+
+void MainQueue::after(std::chrono::milliseconds delay, Work work) {
+    Clock::current()->after(delay, std::move(work));
+}
+
+}  // namespace velmora::platform

@@ -1,0 +1,262 @@
+#include "core/VLLog.h"
+#include "core/VelmoraManager.h"
+#include "model/VLDefaults.h"
+#include "platform/UserDefaults.h"
+#include "support/LogCapture.h"
+#include "support/Threads.h"
+
+#include <chrono>
+#include <future>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <velmora/velmora.h>
+
+#include <gtest/gtest.h>
+
+namespace velmora::test {
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+/// Begins with an empty store and logging on.
+class Facade : public testing::Test {
+protected:
+    Facade() {
+        for (const char* key : {"developerKey", "appUserId", "debugMode"}) {
+            platform::UserDefaults::standard().removeObjectForKey(key);
+        }
+        VLLogger::setShallLog(true);
+    }
+
+    LogCapture log_;
+};
+
+/// Begins in a process whose log switch nobody has set.
+class FacadeInAFreshProcess : public testing::Test {
+protected:
+    void SetUp() override {
+        if (testing::UnitTest::GetInstance()->test_to_run_count() > 1) {
+            GTEST_SKIP() << "The log switch of a process is set once: this test needs a process of its own";
+        }
+    }
+
+    LogCapture log_;
+};
+
+std::shared_ptr<VLConfiguration> configuration(bool debugMode, std::optional<std::string> appUserId) {
+    auto made = std::make_shared<VLConfiguration>();
+    made->setDebugMode(debugMode);
+    made->setAppUserId(std::move(appUserId));
+    return made;
+}
+
+/// Four callbacks, of which one is called, once: a second call throws.
+struct Callbacks {
+    std::shared_ptr<std::promise<void>> terminal = std::make_shared<std::promise<void>>();
+    OnAdAvailable onAdAvailable = [done = terminal](const auto&) { done->set_value(); };
+    OnNoAdAvailable onNoAdAvailable = [done = terminal] { done->set_value(); };
+    OnError onError = [done = terminal](const auto&) { done->set_value(); };
+    OnExpiring onExpiring = [](const auto&) { ADD_FAILURE() << "Nothing was offered"; };
+};
+
+TEST_F(Facade, InitialisationStoresWhatTheConfigurationSays) {
+    const struct {
+        const char* name;
+        std::shared_ptr<VLConfiguration> configuration;
+        bool debugMode;
+        std::optional<std::string> appUserId;
+    } cases[] = {
+        {"none", nullptr, true, std::nullopt},
+        {"unfilled", std::make_shared<VLConfiguration>(), false, std::nullopt},
+        {"debug mode on", configuration(true, "user"), true, "user"},
+        {"debug mode off", configuration(false, ""), false, ""},
+    };
+
+    for (const auto& one : cases) {
+        for (const bool before : {true, false}) {
+            VLDefaults::setAppUserId("before");
+            VLDefaults::setDebugMode(before);
+            VLLogger::setShallLog(before);
+            log_.clear();
+            Velmora::initializeWithAppKey(one.name, one.configuration);
+
+            EXPECT_EQ(VLDefaults::getDeveloperKey(), one.name);
+            EXPECT_EQ(VLDefaults::getDebugMode(), one.debugMode) << one.name;
+            EXPECT_EQ(VLDefaults::getAppUserId(), one.appUserId) << one.name;
+            EXPECT_EQ(log_.lines(), one.debugMode ? Lines{"Velmora initialized successfully"} : Lines{})
+                << one.name;
+        }
+    }
+    Velmora::initializeWithAppKey("");
+    EXPECT_EQ(VLDefaults::getDeveloperKey(), "");
+    EXPECT_TRUE(VLDefaults::getDebugMode());
+}
+
+TEST_F(Facade, WithoutAKeyNothingIsStored) {
+    Velmora::initializeWithAppKey("before", configuration(true, "user"));
+    log_.clear();
+    const char* const noKey = nullptr;
+    Velmora::initializeWithAppKey(noKey);
+    Velmora::initializeWithAppKey(std::nullopt);
+    Velmora::initializeWithAppKey(noKey, configuration(false, "other"));
+    Velmora::initializeWithAppKey(std::nullopt, configuration(false, "other"));
+
+    EXPECT_EQ(log_.lines(), Lines(4, "AppKey passed for initialization is null"));
+    EXPECT_EQ(VLDefaults::getDeveloperKey(), "before");
+    EXPECT_EQ(VLDefaults::getAppUserId(), "user");
+    EXPECT_TRUE(Velmora::isDebugMode());
+}
+
+TEST_F(Facade, SettingTheDebugModeLeavesTheLoggingOfThisProcessAsItIs) {
+    for (const bool logs : {true, false}) {
+        Velmora::initializeWithAppKey("key", configuration(logs, std::nullopt));
+        log_.clear();
+        Velmora::setDebugMode(!logs);
+        VLLog("line");
+
+        EXPECT_EQ(Velmora::isDebugMode(), !logs);
+        EXPECT_EQ(log_.lines(), logs ? Lines{"line"} : Lines{});
+    }
+}
+
+TEST_F(FacadeInAFreshProcess, LoggingIsOnWhenAnEarlierOneStoredTheDebugMode) {
+    VLDefaults::setDebugMode(true);
+    VLLog("first");
+    Velmora::setDebugMode(false);
+    VLLog("second");
+
+    EXPECT_EQ(log_.lines(), (Lines{"first", "second"}));
+}
+
+TEST_F(FacadeInAFreshProcess, LoggingIsOffWhenNoneStoredTheDebugMode) {
+    VLLog("first");
+    Velmora::setDebugMode(true);
+    VLLog("second");
+
+    EXPECT_EQ(log_.lines(), Lines{});
+    EXPECT_TRUE(Velmora::isDebugMode());
+}
+
+TEST_F(Facade, ARequestWithoutAllCallbacksIsDroppedForTheFirstThatIsMissing) {
+    const char* const messages[]{"Nil block passed for onAdAvailable", "Nil block passed for onNoAdAvailable",
+                                 "Nil block passed for onError", "Nil block passed for onExpiring"};
+    for (unsigned missing = 1; missing < 16; ++missing) {
+        Callbacks callbacks;
+        if (missing & 1U) callbacks.onAdAvailable = nullptr;
+        if (missing & 2U) callbacks.onNoAdAvailable = nullptr;
+        if (missing & 4U) callbacks.onError = nullptr;
+        if (missing & 8U) callbacks.onExpiring = nullptr;
+        log_.clear();
+        Velmora::requestAdForZone("", callbacks.onAdAvailable, callbacks.onNoAdAvailable, callbacks.onError,
+                                  callbacks.onExpiring);
+
+        unsigned first = 0;
+        while ((missing >> first & 1U) == 0) ++first;
+        EXPECT_EQ(log_.lines(), Lines{messages[first]}) << missing;
+        EXPECT_EQ(callbacks.terminal->get_future().wait_for(std::chrono::seconds(0)),
+                  std::future_status::timeout);
+    }
+    VLLogger::setShallLog(false);
+    log_.clear();
+    Velmora::requestAdForZone(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+    EXPECT_TRUE(log_.empty());
+}
+
+TEST_F(Facade, ARequestForTheEmptyZoneIsOneForAnyZone) {
+    const struct {
+        std::optional<std::string> zone;
+        bool replaced;
+    } cases[] = {{"", true}, {std::nullopt, false}, {" ", false}};
+
+    for (const auto& one : cases) {
+        const Callbacks callbacks;
+        log_.clear();
+        Velmora::requestAdForZone(one.zone, std::make_shared<VLAdRequestOptions>(), callbacks.onAdAvailable,
+                                  callbacks.onNoAdAvailable, callbacks.onError, callbacks.onExpiring);
+
+        EXPECT_EQ(callbacks.terminal->get_future().wait_for(std::chrono::seconds(30)),
+                  std::future_status::ready);
+        EXPECT_EQ(log_.lines().front() == "Empty zoneId replaced with nil", one.replaced);
+        EXPECT_EQ(log_.lines().at(one.replaced ? 1 : 0), "Ad is not fetched, fetching new ad...");
+    }
+}
+
+TEST_F(Facade, TheEndOfAShowingIsToldToTheCallbackThatWasSetLast) {
+    Velmora::setAdShowFinishedCallback(nullptr);
+    const auto ad = std::make_shared<VelmoraAd>();
+    VelmoraManager::onAdShowFinished(ad, true);
+
+    Lines told;
+    Velmora::setAdShowFinishedCallback([&](const auto&, bool) { told.emplace_back("replaced"); });
+    Velmora::setAdShowFinishedCallback([&](const auto& shown, bool completed) {
+        EXPECT_EQ(shown, ad);
+        told.emplace_back(completed ? "completed" : "left");
+    });
+    VelmoraManager::onAdShowFinished(ad, true);
+    VelmoraManager::onAdShowFinished(ad, false);
+    Velmora::setAdShowFinishedCallback(nullptr);
+    VelmoraManager::onAdShowFinished(ad, true);
+    EXPECT_EQ(told, (Lines{"completed", "left"}));
+}
+
+TEST_F(Facade, WhatACallbackThrowsIsLoggedAndGoesNoFurther) {
+    const OnError onError = [](const std::string&) {
+        throw std::runtime_error("the application's own fault");
+    };
+    Velmora::requestAdForZone(
+        "zone", [](const auto&) {}, [] {}, onError, [](const auto&) {});
+    Velmora::setAdShowFinishedCallback([](const auto&, bool) { throw 7; });
+    VelmoraManager::onAdShowFinished(nullptr, true);
+    Velmora::setAdShowFinishedCallback(nullptr);
+
+    EXPECT_TRUE(log_.has("An exception left onError: the application's own fault"));
+    EXPECT_TRUE(log_.has("An exception left the ad-show-finished callback"));
+}
+
+TEST_F(Facade, AShowFinishedCallbackMayReplaceItselfAndCallTheLibraryWhenItGoes) {
+    int calls = 0;
+    auto held =
+        std::shared_ptr<void>(nullptr, [](void*) { VelmoraManager::onAdShowFinished(nullptr, true); });
+    Velmora::setAdShowFinishedCallback([held = std::move(held)](const auto&, bool) {});
+    Velmora::setAdShowFinishedCallback([&calls](const auto&, bool) {
+        ++calls;
+        Velmora::setAdShowFinishedCallback([&calls](const auto&, bool) { calls += 10; });
+    });
+    EXPECT_EQ(calls, 1);
+    VelmoraManager::onAdShowFinished(nullptr, true);
+    EXPECT_EQ(calls, 11);
+    Velmora::setAdShowFinishedCallback(nullptr);
+}
+
+TEST_F(Facade, ItMayBeUsedByThreadsAtOnce) {
+    const auto use = [](int thread) {
+        const std::string name(50, static_cast<char>('a' + thread));
+        for (int round = 0; round < 15; ++round) {
+            Velmora::initializeWithAppKey(name, configuration(thread % 2 == 0, name));
+            Velmora::setAdShowFinishedCallback([name](const auto&, bool) { EXPECT_EQ(name.size(), 50U); });
+            VelmoraManager::onAdShowFinished(nullptr, true);
+            VLLog("%@", name);
+        }
+    };
+    { const Threads threads(4, use); }
+    Velmora::setAdShowFinishedCallback(nullptr);
+
+    const auto key = VLDefaults::getDeveloperKey().value();
+    EXPECT_EQ(key, std::string(50, key.front()));
+}
+
+TEST_F(Facade, ItsVersionIsNotThatOfTheLibraryFile) {
+    EXPECT_EQ(Velmora::getVersion(), "3.0.0");
+    EXPECT_EQ(VelmoraSDKv3VersionNumber, 1.0);
+    EXPECT_STREQ(VelmoraSDKv3VersionString, "@(#)PROGRAM:VelmoraSDKv3  PROJECT:VelmoraSDKv3-1\n");
+    EXPECT_EQ(TYPE_DISABLE_BACK, 1);
+}
+
+}  // namespace
+
+}  // namespace velmora::test

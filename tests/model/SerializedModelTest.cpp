@@ -1,0 +1,272 @@
+#include "model/VLSerializedModel.h"
+
+#include "support/AllRecords.h"
+#include "support/Records.h"
+
+#include <initializer_list>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace velmora::test {
+
+namespace {
+
+struct RecordCase {
+    const char* name;
+    Value (*convert)(std::string_view json);
+    Value (*fromNothing)();
+    /// A dictionary with every key that survives reading.
+    std::string full;
+    /// What is written after nothing was read.
+    std::string empty;
+};
+
+template <class Record>
+RecordCase record(const char* name, std::string full, std::string empty) {
+    return {name, [](std::string_view json) { return written(*read<Record>(json)); },
+            [] { return written(*recordFrom<Record>(nullptr)); }, std::move(full), std::move(empty)};
+}
+
+const std::vector<RecordCase>& allRecords() {
+    static const std::string action = R"({"type": 1, "actionUrl": "https://a"})";
+    static const std::string skip = R"({"type": 2, "skipStartPercentage": 30})";
+    static const std::string progress = R"({"first": "10%", "second": "https://p"})";
+    static const std::string vast = R"({"startTrackerUrls": ["1"], "firstQuartileTrackerUrls": ["2"],
+        "midpointTrackerUrls": ["3"], "thirdQuartileTrackerUrls": ["4"], "completeTrackerUrls": ["5"],
+        "muteTrackerUrls": ["6"], "unmuteTrackerUrls": ["7"], "fullscreenTrackerUrls": ["8"],
+        "exitFullscreenTrackerUrls": ["9"], "skipTrackerUrls": ["10"], "replayTrackerUrls": ["11"],
+        "progressTrackingUrls": [], "isStartTrackerReported": true, "isFirstQuartileTrackerReported": true,
+        "isMidpointReported": 1, "isThirdQuartileTrackerReported": true, "isCompleteTrackerReported": true,
+        "isFullscreenTrackerReported": true, "isExitFullscreenTrackerReported": true,
+        "isSkipTrackerReported": true})";
+    static const std::string emptyVast = R"({"progressTrackingUrls": [], "isStartTrackerReported": false,
+        "isFirstQuartileTrackerReported": false, "isMidpointReported": false,
+        "isThirdQuartileTrackerReported": false, "isCompleteTrackerReported": false,
+        "isFullscreenTrackerReported": false, "isExitFullscreenTrackerReported": false,
+        "isSkipTrackerReported": false})";
+    static const std::string creative = R"({"ctaType": 3, "ctaUrl": "https://c", "action": )" + action +
+                                        R"(, "skipStartPercentage": )" + skip +
+                                        R"(, "vibrationPatterns": [], "vastTrackingData": )" + vast + "}";
+    static const std::string suggestion = R"({"callToActionId": "cta", "suggestionId": "s", "title": "t",
+        "description": "<b>", "expirationTimeInMillis": 3600000, "filledReported": true,
+        "doingReported": true, "doneReported": true, "creative": )" +
+                                          creative + "}";
+    static const std::string emptySuggestion =
+        R"({"filledReported": false, "doingReported": false, "doneReported": false})";
+    static const std::string state = R"({"suggestionId": "s", "state": 2, "extraInfo": {"k": [1, null]}})";
+    static const std::string states = R"({"states": [)" + state + R"(, {}]})";
+    static const std::string done = R"({"suggestionId": "s", "callToActionId": "cta", "donePercentage": 99.5,
+        "doneSeconds": 12, "extraInfo": {}})";
+    static const std::string ad = R"({"mAd": )" + suggestion + R"(, "cacheTime": 1700000000000,
+        "zoneId": "z", "isShown": true, "videoFilePath": "/v.mp4", "requestOptions": {"mCacheType": 1}})";
+    static const std::string place = R"({"address": "a", "locality": "b", "country": "c",
+        "isoCountryCode": "d", "name": "e", "ocean": "f", "postalCode": "g", "administrativeArea": "h",
+        "subAdministrativeArea": "i", "inlandWater": "j", "latitude": 52.5, "longitude": 13.4,
+        "altitude": 34.5, "horizontalAccuracy": 5.5, "verticalAccuracy": -1.5})";
+    static const std::string geo = R"({"geoInfoLocation": )" + place + "}";
+    static const std::string user = R"({"imei": "a", "screenWidth": 1170, "screenHeight": 2532.5,
+        "screenDensity": 480, "screenOrientation": 1, "appVersion": "b", "carrier": "c", "deviceModel": "d",
+        "deviceManufacturer": "e", "deviceBrand": "f", "deviceLanguage": "g", "mcc": 262, "mnc": 5,
+        "geoInfo": )" + geo + "}";
+    static const std::string queued = R"({"url": "https://q", "inputs": {"a": "b"}, "jsonParams": {"c": [{}]},
+        "requestMode": 2, "includeCustomHeaders": true, "callBackType": 1,
+        "callBackDoneSuggestionIds": ["s"], "callBackFinalStateSuggestionIds": ["f"]})";
+
+    static const std::vector<RecordCase> all{
+        record<VLAdSuggestion>("suggestion", suggestion, emptySuggestion),
+        record<VLDirectCreativeModel>("creative", creative, R"({"vibrationPatterns": []})"),
+        record<VLActionModel>("action", action, R"({"type": 0})"),
+        record<VLSkipStarPercentageModel>("skip rule", skip, R"({"type": 0})"),
+        record<VLVibrationPattern>("vibration",
+                                   R"({"vibrationStartMomentInSeconds": 1.5, "pattern": [1, 2]})", "{}"),
+        record<VLAdSuggestionValidationRule>("rule", R"({"type": 1, "customAppUrl": "app://"})", "{}"),
+        record<VLTrackerModel>("tracker", R"({"type": 1, "customAppUrl": "app://"})", "{}"),
+        record<VLProgressTrackerModel>("progress tracker", progress, "{}"),
+        record<VLVastTrackingData>("tracking data", vast, emptyVast),
+        record<VLSuggestionListDirectResponseModel>(
+            "suggestion list", R"({"suggestions": [)" + suggestion + ", " + emptySuggestion + R"(],
+            "selectDirectAdRandomly": true, "serverSuggestedCacheType": 2, "velmoraUserId": "u",
+            "ctaDisabled": false, "ctaDisabledMessage": "m"})",
+            R"({"suggestions": []})"),
+        record<VLRewardResponseModel>("reward answer", R"({"awardedCoin": 5})", "{}"),
+        record<VLDirectAdSuggestionRequestJsonParams>(
+            "ad request",
+            R"({"clientRequestedCacheType": 1, "zoneId": "z", "finalStatesRequest": )" + states +
+                R"(, "userExtraInfo": )" + user + "}",
+            "{}"),
+        record<VLRewardRequestJsonParams>("reward request",
+                                          R"({"doneSuggestions": [)" + done + R"(], "finalStatesRequest": )" +
+                                              states + R"(, "userExtraInfo": )" + user + "}",
+                                          "{}"),
+        record<VLCrashReportRequestModel>("crash report", R"({"bundleIdentifier": "a",
+            "velmoraSDKVersion": "b", "os": "c", "osVersion": "d", "device": "e", "deviceModel": "f",
+            "deviceManufacturer": "g", "content": "h"})",
+                                          "{}"),
+        record<VLUserExtraInfoModel>("user", user, "{}"),
+        record<GeoInfo>("place holder", geo, R"({"geoInfoLocation": {}})"),
+        record<GeoInfoLocationIOS>("place", place, "{}"),
+        record<VLAdSuggestionFinalState>("final state", state, "{}"),
+        record<VLFinalStatesModel>("final states", states, R"({"states": []})"),
+        record<VLDoneAdSuggestion>("done suggestion", done, "{}"),
+        record<VLCachedDoneAdSuggestions>("done suggestions",
+                                          R"({"doneAdSuggestions": [)" + done + R"(, {}]})",
+                                          R"({"doneAdSuggestions": []})"),
+        record<VLCachedVelmoraAds>("cached ads", R"({"cachedVelmoraAds": [)" + ad + R"(]})",
+                                   R"({"cachedVelmoraAds": []})"),
+        record<VLCachedRequestItem>("queued request", queued, "{}"),
+        record<VLRequestQueueImpl>("request queue", R"({"requests": [)" + queued + R"(, {}]})",
+                                   R"({"requests": []})"),
+        record<VelmoraAd>("ad handle", ad,
+                          R"({"cacheTime": null, "zoneId": null, "isShown": false, "videoFilePath": null})"),
+        record<VLAdRequestOptions>("request options", R"({"mCacheType": 1})", R"({"mCacheType": null})"),
+    };
+    return all;
+}
+
+TEST(SerializedModel, EveryRecordWritesWhatItKnowsOfTheDictionaryThatItRead) {
+    for (const auto& record : allRecords()) {
+        auto input = valueOf(record.full);
+        for (const char* key : {"", "unknown", "keys", "states_"}) input.as_object()[key] = 1;
+        EXPECT_EQ(record.convert(record.full), valueOf(record.full)) << record.name;
+        EXPECT_EQ(record.convert(boost::json::serialize(input)), valueOf(record.full)) << record.name;
+        EXPECT_EQ(record.fromNothing(), valueOf(record.empty)) << record.name;
+        EXPECT_EQ(record.convert("{}"), valueOf(record.empty)) << record.name;
+    }
+}
+
+TEST(SerializedModel, WhateverKindComesInWhatWasWrittenReadsBackTheSame) {
+    const auto kinds =
+        valueOf(R"([true, 7, -1.5, 1e300, "", "12 Yes", [], [1, null, {}, []], {}, {"type": {}}])");
+    for (const auto& record : allRecords()) {
+        const auto full = valueOf(record.full);
+        for (const auto& entry : full.as_object()) {
+            for (const auto& kind : kinds.as_array()) {
+                auto input = full;
+                input.as_object()[entry.key()] = kind;
+                const auto output = record.convert(boost::json::serialize(input));
+                EXPECT_EQ(record.convert(boost::json::serialize(output)), output)
+                    << record.name << ", " << entry.key() << ": " << kind;
+            }
+        }
+    }
+}
+
+TEST(SerializedModel, APlainPropertyKeepsAnyKindAndANullMarkerMakesItAbsent) {
+    expectConversions<VLDoneAdSuggestion>({
+        {R"({"suggestionId": 7, "donePercentage": "50", "extraInfo": [null, {"a": null}]})",
+         R"({"suggestionId": 7, "donePercentage": "50", "extraInfo": [null, {"a": null}]})"},
+        {R"({"suggestionId": null, "doneSeconds": 1.0})", R"({"doneSeconds": 1.0})"},
+    });
+
+    const auto record = read<VLDoneAdSuggestion>(R"({"suggestionId": "a", "doneSeconds": 1})");
+    const auto next = valueOf(R"({"suggestionId": null})");
+    record->setValuesForKeysWithDictionary(&next.as_object());
+    EXPECT_EQ(written(*record), valueOf(R"({"doneSeconds": 1})"));
+}
+
+TEST(SerializedModel, ANestedRecordIsMadeFromAnyEntryButAMissingOneOrANullMarker) {
+    const std::initializer_list<Conversion> cases{
+        {R"({})", R"({"type": 5})"},
+        {R"({"action": null})", R"({"type": 5})"},
+        {R"({"action": {"actionUrl": "u"}})", R"({"type": 0, "actionUrl": "u"})"},
+        {R"({"action": "text"})", R"({"type": 0})"},
+        {R"({"action": [{"type": 1}]})", R"({"type": 0})"},
+    };
+    for (const auto& [input, output] : cases) {
+        const auto creative = read<VLDirectCreativeModel>(R"({"action": {"type": 5}})");
+        const auto values = valueOf(input);
+        creative->setValuesForKeysWithDictionary(&values.as_object());
+        EXPECT_EQ(written(*creative->action), valueOf(output)) << input;
+    }
+}
+
+TEST(SerializedModel, AListHasOneRecordForEachElementOfAnArrayAndNoneForAnythingElse) {
+    expectConversions<VLCachedDoneAdSuggestions>({
+        {R"({"doneAdSuggestions": null})", R"({"doneAdSuggestions": []})"},
+        {R"({"doneAdSuggestions": "text"})", R"({"doneAdSuggestions": []})"},
+        {R"({"doneAdSuggestions": {"suggestionId": "a"}})", R"({"doneAdSuggestions": []})"},
+        {R"({"doneAdSuggestions": [{"suggestionId": "a", "x": 1}, {}, {"suggestionId": "b"}]})",
+         R"({"doneAdSuggestions": [{"suggestionId": "a"}, {}, {"suggestionId": "b"}]})"},
+        {R"({"doneAdSuggestions": [null, 1, "text", [], {"suggestionId": "a"}]})",
+         R"({"doneAdSuggestions": [{}, {}, {}, {}, {"suggestionId": "a"}]})"},
+    });
+}
+
+TEST(SerializedModel, AMappedNumberIsReducedToAWholeOne) {
+    const std::initializer_list<Conversion> cases{
+        {R"({"type": null})", R"({"type": 0})"},
+        {R"({"type": -2.9})", R"({"type": -2})"},
+        {R"({"type": true})", R"({"type": 1})"},
+        {R"({"type": "12 percent"})", R"({"type": 12})"},
+        {R"({"type": {"type": 1}})", R"({"type": 0})"},
+        {R"({"type": 18446744073709551615})", R"({"type": 9223372036854775807})"},
+        {R"({"type": -1e300})", R"({"type": -9223372036854775808})"},
+    };
+    expectConversions<VLActionModel>(cases);
+    expectConversions<VLSkipStarPercentageModel>(cases);
+    EXPECT_EQ(written(VLActionModel()), Value(Dictionary()));
+}
+
+TEST(SerializedModel, AMappedPropertyIsAlsoReadUnderItsOwnNameAsAPlainOne) {
+    expectConversions<VLActionModel>({
+        {R"({"actionType": "own"})", R"({"type": "own"})"},
+        {R"({"actionType": "own", "type": 1})", R"({"type": "own"})"},
+        {R"({"type": 1, "actionType": "own"})", R"({"type": "own"})"},
+        {R"({"type": 1, "actionType": null})", "{}"},
+    });
+    EXPECT_EQ(read<VLAdSuggestion>(R"({"htmlDesciption": "own"})")->htmlDesciption, Value("own"));
+}
+
+TEST(SerializedModel, ADescriptionKeepsTheNullMarker) {
+    const auto suggestion = read<VLAdSuggestion>(R"({"description": null})");
+
+    EXPECT_EQ(suggestion->htmlDesciption, Value(nullptr));
+    EXPECT_EQ(written(*suggestion).at("description"), Value(nullptr));
+}
+
+TEST(SerializedModel, OnlyPlainPropertiesAreWrittenByRequest) {
+    const auto suggestion = read<VLAdSuggestion>(R"({"title": "t", "description": "d"})");
+    const std::initializer_list<std::pair<Keys, const char*>> cases{
+        {{}, R"({"description": "d"})"},
+        {{"title", "title"}, R"({"title": "t", "description": "d"})"},
+        {{"suggestionId"}, R"({"suggestionId": null, "description": "d"})"},
+        {{"htmlDesciption", "description", "creative", "", "titles"}, R"({"description": "d"})"},
+    };
+    for (const auto& [keys, output] : cases) {
+        EXPECT_EQ(Value(suggestion->dictionaryWithValuesForKeys(keys)), valueOf(output));
+    }
+}
+
+TEST(SerializedModel, TheKeysAreTheNamesOfThePresentPropertiesOrOfAllOfAnAdHandle) {
+    const auto suggestion =
+        read<VLAdSuggestion>(R"({"title": "t", "description": null, "doneReported": null})");
+    EXPECT_THAT(suggestion->keys(),
+                testing::UnorderedElementsAre("title", "htmlDesciption", "filledReported", "doingReported"));
+    EXPECT_THAT(VLAdRequestOptions().state().keys(), testing::ElementsAre("mCacheType"));
+    EXPECT_THAT(VelmoraAd().state().keys(),
+                testing::UnorderedElementsAre("mAd", "cacheTime", "zoneId", "isShown", "videoFilePath",
+                                              "requestOptions"));
+}
+
+TEST(SerializedModel, VibrationPatternsAndProgressTrackersAreWrittenButNeverRead) {
+    VLDirectCreativeModel creative;
+    creative.vibrationPatterns =
+        makeList<VLVibrationPattern>({std::make_shared<VLVibrationPattern>(1.5, std::nullopt)});
+    creative.vastTrackingData = std::make_shared<VLVastTrackingData>();
+    creative.vastTrackingData->progressTrackingUrls =
+        makeList<VLProgressTrackerModel>({read<VLProgressTrackerModel>(R"({"first": "5%"})")});
+    const auto output = written(creative);
+    EXPECT_EQ(output.at("vibrationPatterns"), valueOf(R"([{"vibrationStartMomentInSeconds": 1.5}])"));
+    EXPECT_EQ(output.at("vastTrackingData").at("progressTrackingUrls"), valueOf(R"([{"first": "5%"}])"));
+
+    const auto again = written(*recordFrom<VLDirectCreativeModel>(&output.as_object()));
+    EXPECT_EQ(again.at("vibrationPatterns"), Value(Array()));
+    EXPECT_EQ(again.at("vastTrackingData").at("progressTrackingUrls"), Value(Array()));
+}
+
+}  // namespace
+
+}  // namespace velmora::test

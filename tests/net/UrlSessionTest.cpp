@@ -1,0 +1,293 @@
+#include "platform/UrlSession.h"
+
+#include "net/VLRequestHeaders.h"
+#include "platform/Reachability.h"
+#include "support/Await.h"
+#include "support/LogCapture.h"
+#include "support/ScriptedServer.h"
+#include "support/TemporaryDirectory.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <fstream>
+#include <random>
+#include <stdexcept>
+#include <thread>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace velmora::test {
+
+namespace {
+
+using platform::UrlError;
+using platform::UrlOutcome;
+using platform::UrlRequest;
+using platform::UrlSession;
+using platform::UrlTask;
+
+UrlRequest get(const std::string& url) {
+    UrlRequest request;
+    request.url = url;
+    return request;
+}
+
+UrlOutcome fetch(const UrlRequest& request) {
+    const auto await = std::make_shared<Await<UrlOutcome>>();
+    UrlSession::shared()
+        .dataTask(request, [await](UrlOutcome outcome) { await->add(std::move(outcome)); })
+        ->resume();
+    EXPECT_TRUE(await->count(1)) << request.url;
+    const auto outcomes = await->values();
+    return outcomes.empty() ? UrlOutcome() : outcomes.front();
+}
+
+std::string raw(const std::string& headers, const std::string& body) {
+    return "HTTP/1.1 200 OK\r\n" + headers + "\r\n" + body;
+}
+
+std::string contentOf(const std::filesystem::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+/// What a server can do to a client, by the path that is asked for.
+Script fault(const std::string& target) {
+    if (target == "/nothing") return {};
+    if (target == "/half-a-header") return {.bytes = "HTTP/1.1 200 OK\r\nContent-Le"};
+    if (target == "/short") return {.bytes = raw("Content-Length: 100\r\n", "not a hundred")};
+    if (target == "/broken-gzip")
+        return {.bytes = raw("Content-Encoding: gzip\r\nContent-Length: 9\r\n", "not gzip!")};
+    if (target == "/loop") return Script::answer(302, "", "Location: /loop\r\n");
+    if (target == "/to-a-file") return Script::answer(302, "", "Location: file:///etc/passwd\r\n");
+    if (target == "/not-http") return {.bytes = "220 ready\r\n"};
+    if (target == "/hangs") return {.bytes = raw("Content-Length: 10\r\n", "12345"), .hang = true};
+    if (target == "/204") return {.bytes = "HTTP/1.1 204 No Content\r\n\r\n", .keepOpen = true};
+    if (target == "/500") return Script::answer(500, "it broke");
+    if (target == "/too-long")
+        return {.bytes = raw("", std::string(UrlSession::kMostBytesInMemory + 1, 'x'))};
+    if (target == "/moved-to-http") return Script::answer(302, "", "Location: http://ads.invalid/\r\n");
+    if (target == "/moved") return Script::answer(302, "", "Location: /\r\n");
+    return Script::answer(200, "body of " + target);
+}
+
+class UrlSessionTest : public testing::Test {
+protected:
+    /// Short enough to wait for, long enough for a busy machine.
+    void SetUp() override { UrlSession::setIdleTimeout(std::chrono::seconds(3)); }
+
+    ScriptedServer server_{[](const SeenRequest& request) { return fault(request.target); }};
+};
+
+TEST_F(UrlSessionTest, EveryWayAServerCanFailEndsInOneErrorOrOneAnswer) {
+    struct Case {
+        std::string url;
+        std::optional<int> error;
+        int status;
+    };
+    const std::vector<Case> cases{
+        {server_.url("/nothing"), UrlError::networkConnectionLost, -1},
+        {server_.url("/short"), UrlError::networkConnectionLost, 200},
+        {server_.url("/broken-gzip"), UrlError::cannotDecodeContentData, 200},
+        {server_.url("/loop"), UrlError::tooManyRedirects, 302},
+        {server_.url("/to-a-file"), UrlError::unsupportedUrl, 302},
+        {server_.url("/hangs"), UrlError::timedOut, 200},
+        {server_.url("/too-long"), UrlError::dataLengthExceedsMaximum, 200},
+        {server_.url("/204"), std::nullopt, 204},
+        {server_.url("/500"), std::nullopt, 500},
+        {server_.url("/moved"), std::nullopt, 200},
+        {"http://127.0.0.1:1/", UrlError::cannotConnectToHost, -1},
+        {"http://a b/", UrlError::badUrl, -1},
+        {"", UrlError::badUrl, -1},
+        {"file:///etc/passwd", UrlError::unsupportedUrl, -1},
+    };
+    for (const auto& one : cases) {
+        SCOPED_TRACE(one.url);
+        const auto outcome = fetch(get(one.url));
+        EXPECT_EQ(outcome.error ? std::optional(outcome.error->code) : std::nullopt, one.error);
+        EXPECT_EQ(outcome.response ? outcome.response->statusCode : -1, one.status);
+        EXPECT_EQ(outcome.data.has_value(), !one.error);
+        EXPECT_TRUE(!outcome.error || outcome.error->domain == UrlSession::kErrorDomain);
+    }
+}
+
+TEST_F(UrlSessionTest, ACancelledTaskCompletesOnceAsCancelledWheneverItComes) {
+    const auto ends = std::make_shared<Await<UrlOutcome>>();
+    const auto task = [&](const char* path) {
+        return UrlSession::shared().dataTask(get(server_.url(path)),
+                                             [ends](UrlOutcome outcome) { ends->add(std::move(outcome)); });
+    };
+    const auto notStarted = task("/a");
+    EXPECT_EQ(notStarted->state(), UrlTask::State::suspended);
+    notStarted->cancel();
+    const auto inFlight = task("/hangs");
+    inFlight->resume();
+    inFlight->cancel();
+    inFlight->cancel();
+    ASSERT_TRUE(ends->count(2));
+    for (const auto& outcome : ends->values()) {
+        ASSERT_TRUE(outcome.error);
+        EXPECT_EQ(outcome.error->code, UrlError::cancelled);
+    }
+    const auto ended = task("/b");
+    ended->resume();
+    ended->resume();
+    ASSERT_TRUE(ends->count(3));
+    ended->cancel();
+    EXPECT_EQ(ended->state(), UrlTask::State::completed);
+    EXPECT_EQ(ends->values().back().data, "body of /b");
+    EXPECT_EQ(ends->values().size(), 3U);
+}
+
+TEST_F(UrlSessionTest, AThousandRequestsShareAtMostEightConnectionsAndOneSerialQueue) {
+    const auto ends = std::make_shared<Await<bool>>();
+    const auto running = std::make_shared<std::atomic<int>>(0);
+    for (int i = 0; i < 1000; ++i) {
+        UrlSession::shared()
+            .dataTask(get(server_.url("/x")),
+                      [ends, running, i](const UrlOutcome& outcome) {
+                          const bool alone = (*running)++ == 0;
+                          ends->add(alone && outcome.data == "body of /x");
+                          --*running;
+                          if (i % 10 == 0) throw std::runtime_error("an application's callback failed");
+                      })
+            ->resume();
+    }
+    const LogCapture log;
+    ASSERT_TRUE(ends->count(1000));
+    for (const bool good : ends->values()) EXPECT_TRUE(good);
+    EXPECT_LE(server_.mostConnections(), 8);
+    EXPECT_LE(server_.connections(), 8);
+}
+
+TEST_F(UrlSessionTest, TenThousandRequestsAgainstRandomFaultsEndTenThousandTimes) {
+    constexpr std::size_t count = 10'000;
+    static constexpr const char* paths[] = {"/nothing",   "/half-a-header", "/short", "/broken-gzip",
+                                            "/to-a-file", "/not-http",      "/204",   "/500",
+                                            "/moved",     "/good",          "/good",  "/good"};
+    std::mt19937 random(7);
+    const auto ends = std::make_shared<Await<std::size_t>>();
+    for (std::size_t i = 0; i < count; ++i) {
+        UrlSession::shared()
+            .dataTask(get(server_.url(paths[random() % std::size(paths)])),
+                      [ends, i](const UrlOutcome&) { ends->add(i); })
+            ->resume();
+    }
+    ASSERT_TRUE(ends->count(count, std::chrono::seconds(100)));
+    auto ended = ends->values();
+    std::sort(ended.begin(), ended.end());
+    EXPECT_EQ(std::unique(ended.begin(), ended.end()), ended.end());
+    EXPECT_EQ(ended.size(), count);
+}
+
+TEST_F(UrlSessionTest, ARedirectedPostBecomesAGetWithoutABody) {
+    auto request = get(server_.url("/moved"));
+    request.method = "POST";
+    request.body = "a body";
+    request.setHeader("Content-Length", "6");
+    EXPECT_EQ(fetch(request).data, "body of /");
+    const auto seen = server_.seen();
+    ASSERT_EQ(seen.size(), 2U);
+    EXPECT_EQ(seen[0].method + " " + seen[0].headers.at("content-length") + " " + seen[0].body,
+              "POST 6 a body");
+    EXPECT_EQ(seen[1].method, "GET");
+    EXPECT_FALSE(seen[1].headers.contains("content-length"));
+    // The handle of a POST serves a GET after it.
+    EXPECT_EQ(fetch(get(server_.url("/next"))).data, "body of /next");
+    EXPECT_EQ(server_.seen().back().method, "GET");
+}
+
+TEST_F(UrlSessionTest, CookiesComeBackAndCompressedBodiesAreRead) {
+    const ScriptedServer server([](const SeenRequest& request) {
+        // "squeezed" in gzip's form, with a time of 0.
+        static constexpr unsigned char kSqueezed[] = {
+            0x1f, 0x8b, 0x08, 0x00, 0x00, 0x00, 0x00, 0x00, 0x02, 0xff, 0x2b, 0x2e, 0x2c, 0x4d,
+            0x4d, 0xad, 0x4a, 0x4d, 0x01, 0x00, 0xde, 0x26, 0x14, 0x00, 0x08, 0x00, 0x00, 0x00};
+        if (request.target == "/gzip") {
+            return Script::answer(200, {reinterpret_cast<const char*>(kSqueezed), sizeof kSqueezed},
+                                  "Content-Encoding: gzip\r\n");
+        }
+        return Script::answer(200, "", "Set-Cookie: crumb=1; Path=/\r\n");
+    });
+    fetch(get(server.url("/")));
+    EXPECT_EQ(fetch(get(server.url("/gzip"))).data, "squeezed");
+    EXPECT_EQ(server.seen().back().headers.at("cookie"), "crumb=1");
+}
+
+TEST(Reachability, ItFollowsTheRoutesOfTheMachine) {
+    EXPECT_EQ(platform::Reachability::flags("127.0.0.1"), platform::Reachability::kReachable);
+    EXPECT_EQ(platform::Reachability::flags("not an address"), std::nullopt);
+    EXPECT_THAT(VLRequestHeaders::connectionType(), testing::AnyOf("none", "wifi", "data"));
+}
+
+TEST_F(UrlSessionTest, ADownloadIsPublishedWholeOrNotAtAll) {
+    const TemporaryDirectory folder;
+    const auto download = [&](const char* path, const std::filesystem::path& file) {
+        const auto await = std::make_shared<Await<UrlOutcome>>();
+        UrlSession::shared()
+            .downloadTask(get(server_.url(path)), file,
+                          [await](UrlOutcome outcome) { await->add(std::move(outcome)); })
+            ->resume();
+        EXPECT_TRUE(await->count(1));
+        return await->values().front();
+    };
+    EXPECT_FALSE(download("/video", folder / "a").error);
+    EXPECT_EQ(contentOf(folder / "a"), "body of /video");
+    EXPECT_FALSE(download("/500", folder / "b").error);
+    EXPECT_EQ(contentOf(folder / "b"), "it broke");
+    EXPECT_FALSE(download("/too-long", folder / "c").error);
+    EXPECT_EQ(std::filesystem::file_size(folder / "c"), UrlSession::kMostBytesInMemory + 1);
+    EXPECT_TRUE(download("/short", folder / "d").error);
+    EXPECT_FALSE(download("/long-name", folder / std::string(255, 'n')).error);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 4);
+
+    const LogCapture log;
+    EXPECT_FALSE(download("/video", folder / "no-such-folder" / "e").error);
+    EXPECT_TRUE(log.has("A downloaded file cannot be"));
+}
+
+TEST_F(UrlSessionTest, PlainHttpBeyondTheLoopbackIsRefusedWhereSecurityIsRequired) {
+    UrlRequest request;
+    request.requiresSecureTransport = true;
+    const LogCapture log;
+    for (const auto& url : {std::string("http://ads.invalid/"), std::string("http://127.ads.invalid/"),
+                            std::string("http://localhost.ads.invalid/"), server_.url("/moved-to-http")}) {
+        request.url = url;
+        const auto outcome = fetch(request);
+        ASSERT_TRUE(outcome.error) << url;
+        EXPECT_EQ(outcome.error->code, UrlError::insecureTransportRefused) << url;
+    }
+    EXPECT_TRUE(log.has("Refused to send a request over http"));
+    request.url = server_.url("/");
+    EXPECT_EQ(fetch(request).data, "body of /");
+}
+
+TEST(UrlSession, TlsIsVerifiedAgainstTheAuthorityThatIsTrusted) {
+    const auto good = Certificates::makeFor("127.0.0.1");
+    ::setenv("VELMORA_CA_FILE", good->authorityFile().c_str(), 1);
+    const auto answer = [](const SeenRequest&) { return Script::answer(200, "secure"); };
+    const ScriptedServer server(answer, good);
+    EXPECT_EQ(fetch(get(server.url("/"))).data, "secure");
+
+    // Each is trusted while it is tried, so that only the fault that is meant can refuse it; the last one is
+    // not.
+    const auto foreign = Certificates::makeFor("127.0.0.1");
+    for (const auto& [certificates, authority] :
+         {std::pair{Certificates::makeFor("other.example"), std::shared_ptr<Certificates>()},
+          std::pair{Certificates::makeFor("127.0.0.1", -1), std::shared_ptr<Certificates>()},
+          std::pair{foreign, good}}) {
+        const auto& trusted = authority ? authority : certificates;
+        ::setenv("VELMORA_CA_FILE", trusted->authorityFile().c_str(), 1);
+        const ScriptedServer refused(answer, certificates);
+        const auto outcome = fetch(get(refused.url("/")));
+        ASSERT_TRUE(outcome.error);
+        EXPECT_EQ(outcome.error->code, UrlError::serverCertificateUntrusted) << outcome.error->description;
+        EXPECT_TRUE(refused.seen().empty());
+    }
+    ::unsetenv("VELMORA_CA_FILE");
+}
+
+}  // namespace
+
+}  // namespace velmora::test

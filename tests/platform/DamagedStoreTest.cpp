@@ -1,0 +1,277 @@
+#include "platform/Json.h"
+#include "platform/UserDefaults.h"
+#include "support/Files.h"
+#include "support/FullDisk.h"
+#include "support/LogCapture.h"
+#include "support/Process.h"
+#include "support/StoreFiles.h"
+#include "support/TemporaryDirectory.h"
+
+#include <algorithm>
+#include <list>
+#include <random>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace velmora::test {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using platform::UserDefaults;
+using platform::Value;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class DamagedStoreTest : public testing::Test {
+protected:
+    const TemporaryDirectory folder_;
+    const fs::path file_ = folder_ / "defaults.sqlite3";
+    LogCapture log_;
+};
+
+TEST_F(DamagedStoreTest, AValueDamagedByHandIsAbsentAndTheOthersStay) {
+    UserDefaults defaults(file_);
+    defaults.setObject("kept", "other");
+    const std::string damaged[] = {"''", "'{\"a\":'", "x'00FF80'", "'\"' || x'FF' || '\"'",
+                                   "'" + std::string(10'000, '[') + std::string(10'000, ']') + "'"};
+    for (const auto& value : damaged) {
+        SCOPED_TRACE(value.substr(0, 30));
+        log_.clear();
+        Stranger(file_).run("REPLACE INTO defaults(key, value) VALUES('key', " + value + ")");
+        EXPECT_EQ(defaults.objectForKey("key"), std::nullopt);
+        EXPECT_THAT(log_.lines(), SizeIs(1));
+        EXPECT_TRUE(log_.has("\"key\""));
+        EXPECT_EQ(defaults.stringForKey("other"), "kept");
+    }
+    defaults.setObject("mended", "key");
+    EXPECT_EQ(defaults.stringForKey("key"), "mended");
+    EXPECT_THAT(movedAside(folder_.path()), IsEmpty());
+}
+
+TEST_F(DamagedStoreTest, AFileThatIsNoDatabaseIsMovedAsideAsItIs) {
+    fill(file_, 3);
+    const auto whole = contentOf(file_);
+    fs::remove(file_);
+    std::string noise(64 * 1024, '\0');
+    std::generate(noise.begin(), noise.end(),
+                  [random = std::minstd_rand(1)]() mutable { return static_cast<char>(random()); });
+    const std::string contents[] = {"xy",
+                                    noise,
+                                    std::string(4096, '\0'),
+                                    whole.substr(0, 50),
+                                    whole.substr(0, 100) + noise,
+                                    whole.substr(0, whole.size() / 2)};
+    for (const auto& content : contents) {
+        SCOPED_TRACE(content.size());
+        const TemporaryDirectory folder;
+        const auto file = folder / "defaults.sqlite3";
+        writeContent(file, content);
+        log_.clear();
+
+        UserDefaults(file).setObject("works", "key");
+
+        EXPECT_EQ(UserDefaults(file).stringForKey("key"), "works");
+        const auto aside = movedAside(folder.path());
+        ASSERT_THAT(aside, SizeIs(1));
+        EXPECT_EQ(contentOf(aside[0]), content);
+        EXPECT_EQ(fs::status(file).permissions(), fs::perms(0600));
+        EXPECT_TRUE(log_.has("moved to " + aside[0].filename().string()));
+        EXPECT_THAT(log_.lines(), SizeIs(1));
+    }
+}
+
+TEST_F(DamagedStoreTest, WhatCanBeReadOfADamagedFileIsCarriedOver) {
+    constexpr int kValues = 200;
+    fill(file_, kValues);
+    {
+        // Is in the journal only.
+        UserDefaults defaults(file_);
+        defaults.setObject("last words", "late");
+    }
+    auto content = contentOf(file_);
+    const auto page = content.size() / 2 / 4096 * 4096;
+    std::fill_n(content.begin() + static_cast<std::ptrdiff_t>(page), 4096, '\xAA');
+    writeContent(file_, content);
+
+    UserDefaults defaults(file_);
+    int found = 0;
+    for (int i = 0; i < kValues; ++i) found += defaults.stringForKey(numbered(i)) == std::string(1000, 'v');
+
+    EXPECT_GE(found, kValues - 10);
+    EXPECT_LT(found, kValues);
+    EXPECT_EQ(defaults.stringForKey("late"), "last words");
+    const auto aside = movedAside(folder_.path());
+    ASSERT_THAT(aside, SizeIs(1));
+    EXPECT_EQ(contentOf(aside[0]), content);
+    EXPECT_TRUE(log_.has(std::to_string(found + 1) + " values"));
+    EXPECT_THAT(log_.lines(), SizeIs(1));
+
+    defaults.setObject("works", numbered(kValues / 2));
+    EXPECT_EQ(UserDefaults(file_).stringForKey(numbered(kValues / 2)), "works");
+}
+
+TEST_F(DamagedStoreTest, ProcessesThatFindTheDamageAtOnceMendItOnce) {
+    for (int round = 0; round < 10; ++round) {
+        const TemporaryDirectory folder;
+        const auto file = folder / "defaults.sqlite3";
+        writeContent(file, "no database");
+        Pipe start;
+        std::list<Process> processes;
+        for (int i = 0; i < 4; ++i) {
+            processes.emplace_back([&] {
+                start.closeWriting();
+                (void)start.read();
+                UserDefaults(file).setObject(i, numbered(i));
+            });
+        }
+        start.closeWriting();
+        for (auto& process : processes) EXPECT_TRUE(process.succeeded());
+
+        UserDefaults defaults(file);
+        for (int i = 0; i < 4; ++i) EXPECT_EQ(defaults.objectForKey(numbered(i)), Value(i));
+        EXPECT_THAT(movedAside(folder.path()), SizeIs(1));
+    }
+}
+
+TEST_F(DamagedStoreTest, ATableOfOtherColumnsIsReplaced) {
+    for (const bool whileOpen : {false, true}) {
+        const TemporaryDirectory folder;
+        const auto file = folder / "defaults.sqlite3";
+        UserDefaults defaults(file);
+        if (whileOpen) defaults.setObject(1, "key");
+        Stranger(file).run("DROP TABLE IF EXISTS defaults; CREATE TABLE defaults(name, content)");
+
+        EXPECT_FALSE(defaults.hasKey("key"));
+        defaults.setObject("works", "key");
+        EXPECT_EQ(UserDefaults(file).stringForKey("key"), "works");
+        EXPECT_THAT(movedAside(folder.path()), SizeIs(1));
+    }
+}
+
+TEST_F(DamagedStoreTest, ValuesStayReadableWhereNothingMayBeWritten) {
+    constexpr uid_t nobody = 65534;
+
+    const struct {
+        const char* description;
+        std::vector<std::string> removed;
+        std::optional<std::string> value;
+    } cases[] = {
+        {"with the journal", {}, "newer"},
+        {"without a journal", {"-wal", "-shm"}, "old"},
+        // The file alone would show a value that was replaced.
+        {"with a journal that cannot be read", {"-shm"}, std::nullopt},
+    };
+
+    for (const auto& [description, removed, value] : cases) {
+        SCOPED_TRACE(description);
+        const TemporaryDirectory folder;
+        const auto file = folder / "defaults.sqlite3";
+        UserDefaults(file).setObject("old", "key");
+        Stranger(file).run("PRAGMA wal_checkpoint(TRUNCATE)");
+        UserDefaults(file).setObject("newer", "key");
+        for (const auto& suffix : removed) fs::remove(file.string() + suffix);
+        for (const auto& entry : fs::directory_iterator(folder.path()))
+            fs::permissions(entry, fs::perms(0444));
+        fs::permissions(folder.path(), fs::perms(0555));
+
+        Process process([&, expected = value] {
+            // Root may write everywhere.
+            if (::geteuid() == 0) {
+                EXPECT_EQ(::setuid(nobody), 0);
+            }
+            UserDefaults defaults(file);
+            EXPECT_EQ(defaults.stringForKey("key"), expected);
+            log_.clear();
+            defaults.setObject("newest", "key");
+            defaults.removeObjectForKey("key");
+            EXPECT_THAT(log_.lines(), SizeIs(2));
+            EXPECT_TRUE(log_.has("cannot be written"));
+            EXPECT_EQ(defaults.stringForKey("key"), expected);
+        });
+        EXPECT_TRUE(process.succeeded());
+        fs::permissions(folder.path(), fs::perms(0700));
+    }
+}
+
+TEST_F(DamagedStoreTest, WithoutAPlaceForTheFileEverythingIsAbsentAndLogged) {
+    writeContent(folder_ / "file", "");
+    fs::create_directory(folder_ / "folder");
+    for (const auto& file : {folder_ / "file" / "defaults.sqlite3", folder_ / "folder"}) {
+        SCOPED_TRACE(file);
+        log_.clear();
+        UserDefaults defaults(file);
+        defaults.setObject(1, "key");
+        EXPECT_FALSE(defaults.hasKey("key"));
+        EXPECT_EQ(defaults.objectForKey("key"), std::nullopt);
+        defaults.removeObjectForKey("key");
+        EXPECT_THAT(log_.lines(), SizeIs(4));
+    }
+    EXPECT_TRUE(fs::is_directory(folder_ / "folder"));
+}
+
+TEST_F(DamagedStoreTest, OnAFullDiskTheOldValueStays) {
+    UserDefaults defaults(file_);
+    defaults.setObject("old", "key");
+    {
+        const FullDisk full(fs::file_size(file_.string() + "-wal"));
+        defaults.setObject(Value(std::string(10'000, 'x')), "key");
+        EXPECT_EQ(defaults.stringForKey("key"), "old");
+        EXPECT_THAT(log_.lines(), SizeIs(1));
+        UserDefaults fresh(folder_ / "fresh.sqlite3");
+        const FullDisk fuller(0);
+        fresh.setObject(1, "key");
+        EXPECT_FALSE(fresh.hasKey("key"));
+    }
+    EXPECT_TRUE(log_.has("cannot be written"));
+    log_.clear();
+    for (const auto& file : {file_, folder_ / "fresh.sqlite3"}) {
+        UserDefaults(file).setObject("new", "key");
+        EXPECT_EQ(UserDefaults(file).stringForKey("key"), "new");
+    }
+    EXPECT_THAT(log_.lines(), IsEmpty());
+    EXPECT_THAT(movedAside(folder_.path()), IsEmpty());
+}
+
+TEST_F(DamagedStoreTest, AValueThatCannotBeWrittenLeavesTheOldOne) {
+    UserDefaults defaults(file_);
+    defaults.setObject("old", "key");
+    Value deep = platform::Array();
+    for (std::size_t i = 0; i < platform::kDeepestJson; ++i) deep = platform::Array{std::move(deep)};
+    for (const auto& value : {deep, Value(std::nan(""))}) {
+        log_.clear();
+        defaults.setObject(value, "key");
+        EXPECT_EQ(defaults.stringForKey("key"), "old");
+        EXPECT_TRUE(log_.has("\"key\""));
+    }
+}
+
+TEST_F(DamagedStoreTest, AFileThatWasDeletedWhileOpenIsMadeAnew) {
+    UserDefaults defaults(file_);
+    UserDefaults other(file_);
+    for (const bool journalToo : {false, true}) {
+        defaults.setObject("old", "key");
+        EXPECT_EQ(other.stringForKey("key"), "old");
+        fs::remove(file_);
+        if (journalToo) {
+            fs::remove(file_.string() + "-wal");
+            fs::remove(file_.string() + "-shm");
+        }
+        EXPECT_FALSE(defaults.hasKey("key"));
+        defaults.setObject("new", "key");
+        EXPECT_EQ(other.stringForKey("key"), "new");
+        other.setObject("newer", "key");
+        EXPECT_EQ(defaults.stringForKey("key"), "newer");
+        EXPECT_EQ(UserDefaults(file_).stringForKey("key"), "newer");
+    }
+    EXPECT_THAT(log_.lines(), IsEmpty());
+    EXPECT_THAT(movedAside(folder_.path()), IsEmpty());
+}
+
+}  // namespace
+
+}  // namespace velmora::test

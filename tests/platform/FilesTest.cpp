@@ -1,0 +1,148 @@
+#include "platform/FileManager.h"
+
+#include "platform/Directories.h"
+#include "platform/Md5.h"
+#include "support/Files.h"
+#include "support/FullDisk.h"
+#include "support/LogCapture.h"
+#include "support/TemporaryDirectory.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <map>
+#include <thread>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace velmora::test {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using platform::FileManager;
+using testing::ElementsAre;
+using testing::Pair;
+
+/// The names in a folder, each with what it holds.
+std::map<std::string, std::string> filesIn(const fs::path& folder) {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : fs::directory_iterator(folder)) {
+        files[entry.path().filename().string()] = entry.is_directory() ? "(folder)" : contentOf(entry.path());
+    }
+    return files;
+}
+
+TEST(FileManager, AFileIsWrittenWholeUnderItsOwnName) {
+    const std::string contents[] = {"old and longer", "new", "", std::string("\0\r\n\xFF", 4),
+                                    std::string(1'000'000, 'x')};
+    const std::string names[] = {"plain", ".hidden", "فیلم.mp4", "not utf-8 \xFF.mp4", std::string(255, 'n')};
+    for (const auto& name : names) {
+        const TemporaryDirectory folder;
+        for (const auto& content : contents) {
+            EXPECT_TRUE(FileManager::write(folder / name, content)) << name;
+            EXPECT_THAT(filesIn(folder.path()), ElementsAre(Pair(name, content)));
+        }
+    }
+}
+
+TEST(FileManager, AReaderSeesTheOldFileOrTheNewOne) {
+    const TemporaryDirectory folder;
+    const auto file = folder / "file";
+    const std::string versions[] = {std::string(50'000, 'a'), std::string(100'000, 'b')};
+    ASSERT_TRUE(FileManager::write(file, versions[0]));
+
+    std::atomic<bool> written = false;
+    std::thread writer([&] {
+        for (int i = 1; i < 100; ++i) {
+            EXPECT_TRUE(FileManager::write(file, versions[i % 2]));
+            const auto temporary = folder / "temporary";
+            writeContent(temporary, versions[(i + 1) % 2]);
+            EXPECT_TRUE(FileManager::publish(temporary, file));
+        }
+        written = true;
+    });
+    int torn = 0;
+    while (!written) {
+        const auto seen = contentOf(file);
+        torn += seen != versions[0] && seen != versions[1];
+    }
+    writer.join();
+    EXPECT_EQ(torn, 0);
+}
+
+TEST(FileManager, AWriteThatFailsLeavesEverythingAsItWas) {
+    const TemporaryDirectory folder;
+    ASSERT_TRUE(FileManager::write(folder / "file", "old"));
+    fs::create_directory(folder / "folder");
+    const auto before = filesIn(folder.path());
+
+    EXPECT_FALSE(FileManager::write(folder / "folder", "new"));
+    EXPECT_FALSE(FileManager::write(folder / "missing" / "file", "new"));
+    EXPECT_FALSE(FileManager::write(folder / "file" / "file", "new"));
+    EXPECT_FALSE(FileManager::write(fs::path(), "new"));
+    {
+        const FullDisk full(1000);
+        EXPECT_FALSE(FileManager::write(folder / "file", std::string(1001, 'x')));
+        EXPECT_FALSE(FileManager::write(folder / "other", std::string(1'000'000, 'x')));
+    }
+    EXPECT_EQ(filesIn(folder.path()), before);
+}
+
+TEST(FileManager, ATemporaryFileIsGoneWhetherOrNotItCouldBePublished) {
+    const TemporaryDirectory folder;
+    const auto publish = [&](const fs::path& path) {
+        writeContent(folder / "temporary", "new");
+        return FileManager::publish(folder / "temporary", path);
+    };
+    EXPECT_TRUE(publish(folder / "file"));
+    fs::create_directory(folder / "folder");
+    EXPECT_FALSE(publish(folder / "folder"));
+    EXPECT_FALSE(publish(folder / "missing" / "file"));
+    EXPECT_FALSE(FileManager::fileExists(folder / "temporary"));
+    EXPECT_FALSE(FileManager::fileExists(folder / std::string(5000, 'x')));
+    EXPECT_FALSE(FileManager::publish(folder / "missing", folder / "file"));
+    EXPECT_THAT(filesIn(folder.path()), ElementsAre(Pair("file", "new"), Pair("folder", "(folder)")));
+}
+
+TEST(FileManager, TheDocumentsAreForTheirOwnerUnlessThatOneOpensThem) {
+    const auto directory = FileManager::documentsDirectory();
+    EXPECT_EQ(directory, platform::applicationDataDirectory() / "Documents");
+    EXPECT_EQ(fs::status(directory).permissions(), fs::perms(0700));
+    fs::permissions(directory, fs::perms(0755));
+    EXPECT_EQ(FileManager::documentsDirectory(), directory);
+    EXPECT_EQ(fs::status(directory).permissions(), fs::perms(0755));
+}
+
+TEST(FileManager, DocumentsThatCannotBeMadeAreLogged) {
+    const TemporaryDirectory folder;
+    ASSERT_TRUE(FileManager::write(folder / "file", ""));
+    const std::string before = std::getenv("XDG_DATA_HOME");
+    setenv("XDG_DATA_HOME", (folder / "file").c_str(), 1);
+    const LogCapture log;
+    const auto directory = FileManager::documentsDirectory();
+    setenv("XDG_DATA_HOME", before.c_str(), 1);
+
+    EXPECT_TRUE(log.has(directory.string()));
+    EXPECT_FALSE(fs::exists(directory));
+}
+
+TEST(Md5, TheDigestsAreThoseOfTheRfc) {
+    const struct {
+        std::string text;
+        const char* digest;
+    } cases[] = {
+        {"", "d41d8cd98f00b204e9800998ecf8427e"},
+        {"abc", "900150983cd24fb0d6963f7d28e17f72"},
+        {"12345678901234567890123456789012345678901234567890123456789012345678901234567890",
+         "57edf4a22be3c955ac49da2e2107b67a"},
+        {std::string("\0", 1), "93b885adfe0da089cdf634904fd59f71"},
+    };
+
+    for (const auto& [text, digest] : cases) EXPECT_EQ(platform::md5(text), digest) << text;
+}
+
+}  // namespace
+
+}  // namespace velmora::test

@@ -1,0 +1,241 @@
+#include "platform/Json.h"
+
+#include "platform/JsonWriter.h"
+
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <random>
+
+#include <gtest/gtest.h>
+
+namespace velmora::test {
+
+namespace {
+
+using platform::Arena;
+using platform::Array;
+using platform::Dictionary;
+using platform::kDeepestJson;
+using platform::parseJson;
+using platform::Value;
+using platform::writeJson;
+
+std::string repeated(std::string_view text, std::size_t times) {
+    std::string result;
+    for (std::size_t i = 0; i < times; ++i) result += text;
+    return result;
+}
+
+Value nestedArrays(std::size_t depth) {
+    Value value = Array();
+    for (std::size_t i = 1; i < depth; ++i) {
+        Array outer;
+        outer.push_back(std::move(value));
+        value = std::move(outer);
+    }
+    return value;
+}
+
+TEST(Json, WholeNumbersStayWholeAsFarAs64BitsGo) {
+    using boost::json::kind;
+
+    const struct {
+        const char* text;
+        kind expected;
+    } cases[] = {
+        {"9223372036854775807", kind::int64},
+        {"-9223372036854775808", kind::int64},
+        {"9223372036854775808", kind::uint64},
+        {"18446744073709551615", kind::uint64},
+    };
+
+    for (const auto& [text, expected] : cases) {
+        SCOPED_TRACE(text);
+        const auto value = parseJson(text);
+        ASSERT_TRUE(value);
+        EXPECT_EQ(value->kind(), expected);
+        EXPECT_EQ(writeJson(*value), text);
+    }
+    EXPECT_EQ(parseJson("18446744073709551616"), Value(18446744073709551616.0));
+    EXPECT_EQ(parseJson("-9223372036854775809"), Value(-9223372036854775808.0));
+}
+
+TEST(Json, ARealNumberBecomesTheNearestDouble) {
+    const struct {
+        const char* text;
+        double number;
+    } cases[] = {
+        {"2.5e1", 25},
+        {"5e-324", 5e-324},
+        {"1e-400", 0},
+        {"9007199254740993.0", 9007199254740992.0},
+        {"1.00000000000000011102230246251565404236316680908203125", 1},
+        {"1.00000000000000011102230246251565404236316680908203126", 1.0000000000000002},
+    };
+
+    for (const auto& [text, number] : cases) {
+        SCOPED_TRACE(text);
+        const auto value = parseJson(text);
+        ASSERT_TRUE(value && value->is_double());
+        EXPECT_EQ(std::bit_cast<std::uint64_t>(value->get_double()), std::bit_cast<std::uint64_t>(number));
+    }
+}
+
+TEST(Json, EveryDoubleComesBackAsItself) {
+    std::mt19937_64 random(1);
+    Array numbers{25.0, -0.0, 0.1, std::numeric_limits<double>::denorm_min(),
+                  std::numeric_limits<double>::max()};
+    while (numbers.size() < 100'000) {
+        const auto number = std::bit_cast<double>(random());
+        if (std::isfinite(number)) numbers.emplace_back(number);
+    }
+    const auto read = parseJson(writeJson(Value(numbers)).value()).value();
+
+    ASSERT_EQ(read.as_array().size(), numbers.size());
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+        const auto& number = read.as_array()[i];
+        ASSERT_TRUE(number.is_double()) << numbers[i];
+        ASSERT_EQ(std::bit_cast<std::uint64_t>(number.get_double()),
+                  std::bit_cast<std::uint64_t>(numbers[i].get_double()))
+            << numbers[i];
+    }
+}
+
+TEST(Json, WhatJsonCannotSayIsLeftOutOrMended) {
+    const auto nan = std::numeric_limits<double>::quiet_NaN();
+    const auto infinity = std::numeric_limits<double>::infinity();
+
+    const struct {
+        Value value;
+        std::optional<std::string> text;
+    } cases[] = {
+        {nan, std::nullopt},
+        {-infinity, std::nullopt},
+        {Array{Dictionary{{"a", nan}}, 1}, "[{},1]"},
+        {Dictionary{{"a", nan}, {"b", Array{-infinity}}, {"c", nullptr}}, R"({"b":[],"c":null})"},
+        {"a\xFF z", "\"a\uFFFD z\""},
+        {"\xE2(\xA1", "\"\uFFFD(\uFFFD\""},
+        {"\xED\xA0\x80", "\"\uFFFD\""},
+        {Dictionary{{"\x80", Array{"\xFE", "سلام"}}}, "{\"\uFFFD\":[\"\uFFFD\",\"سلام\"]}"},
+        {boost::json::string_view("a\0\n\"", 4), R"("a\u0000\n\"")"},
+    };
+
+    for (const auto& [value, text] : cases) EXPECT_EQ(writeJson(value), text);
+
+    EXPECT_EQ(writeJson(Dictionary{{"a", infinity}}), "{}");
+}
+
+TEST(Json, EveryByteIsWrittenSafelyWhereverItStands) {
+    // Longer than what a writer may look at in one go.
+    for (const std::size_t size : {1U, 7U, 8U, 9U, 20U}) {
+        for (std::size_t at = 0; at < size; ++at) {
+            for (int byte = 0; byte < 256; ++byte) {
+                std::string text(size, 'x');
+                text[at] = static_cast<char>(byte);
+                const auto written = writeJson(Value(text));
+                ASSERT_TRUE(written);
+                if (byte >= 0x80) text.replace(at, 1, "\uFFFD");
+                ASSERT_EQ(parseJson(*written), Value(text)) << *written;
+            }
+        }
+    }
+}
+
+TEST(Json, WhateverIsWrittenCanBeRead) {
+    std::mt19937 random(1);
+    const auto bytes = [&] {
+        std::string text(random() % 12, '\0');
+        // Half of them at the borders where UTF-8 goes wrong.
+        constexpr std::string_view borders = "\x7F\x80\xBF\xC2\xE0\xED\xF0\xF4\xA0\x9F";
+        for (auto& c : text)
+            c = random() % 2 ? borders[random() % borders.size()] : static_cast<char>(random());
+        return text;
+    };
+    for (int i = 0; i < 20'000; ++i) {
+        const auto key = bytes();
+        const auto text = writeJson(
+            Dictionary{{key.c_str(), {bytes(), std::bit_cast<float>(static_cast<std::uint32_t>(random()))}}});
+        ASSERT_TRUE(text);
+        const auto read = parseJson(*text);
+        ASSERT_TRUE(read) << *text;
+        ASSERT_EQ(writeJson(*read), text);
+    }
+    EXPECT_EQ(writeJson(parseJson("[1e400, -1e400]").value()), "[]");
+}
+
+TEST(Json, TextThatIsNotJsonIsAbsent) {
+    const char* refused[] = {
+        "", " ", "[1,", "[1,]", "[1", R"({"a":)", R"({"a"})", R"({"a":1,})", "{a:1}", R"({"a":1)", "nul",
+        "nulll", "True", "\"abc", "'a'", "01", "+1", "1.", ".5", "1e", "-", "NaN", "Infinity", "-Infinity",
+        "0x10", "[1]x", "{} {}", "1 2", "//\n1", "/**/1", "\"\t\"", R"("\x")", R"("\u12")", R"("\ud800")",
+        "\xEF\xBB\xBF{}",
+        // Not UTF-8: a stray byte, an overlong form, half a pair, beyond the last character, cut off.
+        "\"\xFF\"", "\"\xC0\xAF\"", "\"\xED\xA0\x80\"", "\"\xF4\x90\x80\x80\"", "\"\xE2\x82\"",
+        "{\"\x80\":1}", "[\"\xE2\x82"};
+    for (const char* text : refused) EXPECT_FALSE(parseJson(text)) << text;
+    EXPECT_FALSE(parseJson(std::string_view("1\0", 2)));
+    EXPECT_EQ(parseJson(" \r\n\t[ 1 , {} ] \n"), Value({1, Dictionary()}));
+    EXPECT_EQ(parseJson(R"("\ud83d\ude00\u0000\/")"), Value(boost::json::string_view("😀\0/", 6)));
+}
+
+TEST(Json, NestingEndsAt512BothWays) {
+    for (const std::size_t depth : {kDeepestJson, kDeepestJson + 1, std::size_t{1'000'000}}) {
+        SCOPED_TRACE(depth);
+        const bool fits = depth <= kDeepestJson;
+        const auto arrays = repeated("[", depth) + repeated("]", depth);
+        EXPECT_EQ(parseJson(arrays).has_value(), fits);
+        EXPECT_EQ(parseJson(repeated("{\"a\":", depth - 1) + "{}" + repeated("}", depth - 1)).has_value(),
+                  fits);
+        EXPECT_FALSE(parseJson(repeated("[", depth)));
+        if (depth > 10'000) continue;
+
+        const auto value = nestedArrays(depth);
+        EXPECT_EQ(writeJson(value), fits ? std::optional(arrays) : std::nullopt);
+        EXPECT_EQ(writeJson(Dictionary{{"a", value}}).has_value(), depth + 1 <= kDeepestJson);
+        // The way through mending keeps the same bound.
+        EXPECT_EQ(writeJson(Array{"\xFF", value}).has_value(), depth + 1 <= kDeepestJson);
+    }
+}
+
+TEST(Json, AWriterTakesItsPiecesAsTheyCome) {
+    platform::JsonWriter writer;
+    EXPECT_EQ(writer.take(), std::nullopt);
+
+    writer.beginDictionary();
+    writer.key("lost");
+    writer.value(std::nan(""));
+    writer.key("list");
+    writer.beginArray();
+    writer.value(Dictionary{{"a", 1}});
+    writer.beginDictionary();
+    writer.endDictionary();
+    writer.endArray();
+    writer.key("\"\xFF");
+    writer.value("b");
+    writer.endDictionary();
+    EXPECT_EQ(writer.take(), "{\"list\":[{\"a\":1},{}],\"\\\"\uFFFD\":\"b\"}");
+}
+
+TEST(Json, TheNullMarkerIsNotAbsence) {
+    const auto read = parseJson(R"({"present":null})").value();
+    const auto* present = read.get_object().if_contains("present");
+    ASSERT_NE(present, nullptr);
+    EXPECT_TRUE(present->is_null());
+    EXPECT_FALSE(platform::isValid(present));
+    EXPECT_FALSE(platform::isValid(read.get_object().if_contains("missing")));
+    EXPECT_EQ(writeJson(read), R"({"present":null})");
+}
+
+TEST(Json, ATreeLivesInTheStorageItWasAskedFor) {
+    Arena arena;
+    const auto read = parseJson(R"({"a":["text that is too long to lie inside the value"]})", &arena);
+    ASSERT_TRUE(read);
+    EXPECT_EQ(read->storage().get(), &arena);
+    EXPECT_EQ(read->at("a").at(0).storage().get(), &arena);
+    EXPECT_NE(Value(*read, {}).storage().get(), &arena);
+}
+
+}  // namespace
+
+}  // namespace velmora::test

@@ -1,0 +1,28 @@
+#include "support/ManualClock.h"
+
+#include "platform/MainQueue.h"
+
+#include <algorithm>
+
+namespace velmora::test {
+
+std::chrono::system_clock::time_point ManualClock::now() const {
+    const platform::MutexLock lock(mutex_);
+    return now_;
+}
+
+void ManualClock::after(std::chrono::milliseconds delay, Work work) {
+    const platform::MutexLock lock(mutex_);
+    waiting_.emplace(now_ + std::max(delay, std::chrono::milliseconds(0)), std::move(work));
+}
+
+void ManualClock::advance(std::chrono::milliseconds time) {
+    const platform::MutexLock lock(mutex_);
+    now_ += time;
+    while (!waiting_.empty() && waiting_.begin()->first <= now_) {
+        platform::MainQueue::async(std::move(waiting_.begin()->second));
+        waiting_.erase(waiting_.begin());
+    }
+}
+
+}  // namespace velmora::test

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace velmora::test {
+
+/// What the server read of one request.
+struct SeenRequest {
+    std::string method;
+    std::string target;
+    /// Names in lower case.
+    std::map<std::string, std::string> headers;
+    std::string body;
+};
+
+/// What the server does about one request: bytes to send as they stand, and how it ends the connection.
+struct Script {
+    std::string bytes;
+    /// Keep the connection for the next request, when the bytes allow it.
+    bool keepOpen = false;
+    /// Leave the client without an end, until the server goes or the client does.
+    bool hang = false;
+
+    /// A well-formed answer.
+    static Script answer(int status, std::string_view body, std::string_view moreHeaders = {});
+};
+
+/// A certificate authority and a server certificate, made for this process.
+class Certificates {
+public:
+    /// For a host name or an IPv4 address; `validDays` may be negative.
+    static std::shared_ptr<Certificates> makeFor(const std::string& host, int validDays = 1);
+
+    Certificates(std::string authority, std::string certificate, std::string key);
+
+    /// The file of the authority, for the client to trust.
+    [[nodiscard]] const std::string& authorityFile() const { return authorityFile_; }
+
+    const std::string authority;
+    const std::string certificate;
+    const std::string key;
+
+private:
+    std::string authorityFile_;
+};
+
+/// An HTTP server on an ephemeral port of 127.0.0.1 that does what it is told, well-formed or not. It records
+/// every request; `script` runs on its threads.
+class ScriptedServer {
+public:
+    using OnRequest = std::function<Script(const SeenRequest& request)>;
+
+    explicit ScriptedServer(OnRequest script, std::shared_ptr<Certificates> certificates = nullptr);
+    /// Ends every connection.
+    ~ScriptedServer();
+    ScriptedServer(const ScriptedServer&) = delete;
+    ScriptedServer& operator=(const ScriptedServer&) = delete;
+
+    /// Of a path that begins with "/".
+    [[nodiscard]] std::string url(std::string_view path) const;
+    [[nodiscard]] std::vector<SeenRequest> seen() const;
+    /// How many connections were made, and how many were open at one time at the most.
+    [[nodiscard]] int connections() const;
+    [[nodiscard]] int mostConnections() const;
+
+private:
+    struct Shared;
+    std::shared_ptr<Shared> shared_;
+};
+
+}  // namespace velmora::test

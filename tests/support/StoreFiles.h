@@ -1,0 +1,57 @@
+#pragma once
+
+#include "platform/UserDefaults.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+namespace velmora::test {
+
+/// Another program that has the same file open.
+class Stranger {
+public:
+    explicit Stranger(const std::filesystem::path& file) {
+        EXPECT_EQ(sqlite3_open(file.c_str(), &connection_), SQLITE_OK);
+        sqlite3_busy_timeout(connection_, 10'000);
+    }
+
+    ~Stranger() { sqlite3_close(connection_); }
+
+    Stranger(const Stranger&) = delete;
+    Stranger& operator=(const Stranger&) = delete;
+
+    void run(const std::string& sql) {
+        EXPECT_EQ(sqlite3_exec(connection_, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
+            << sql << ": " << sqlite3_errmsg(connection_);
+    }
+
+private:
+    sqlite3* connection_ = nullptr;
+};
+
+/// The files that were moved aside, without their journals.
+inline std::vector<std::filesystem::path> movedAside(const std::filesystem::path& folder) {
+    std::vector<std::filesystem::path> found;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        const auto name = entry.path().filename().string();
+        if (name.find(".damaged-") != std::string::npos && !name.ends_with("-wal") && !name.ends_with("-shm"))
+            found.push_back(entry.path());
+    }
+    return found;
+}
+
+/// An index as text of equal length, so that keys sort by it.
+inline std::string numbered(int index) { return "key" + std::to_string(1000 + index); }
+
+/// A file with this many values of 1000 bytes, all of them in the file proper, none in its journal.
+inline void fill(const std::filesystem::path& file, int count) {
+    platform::UserDefaults defaults(file);
+    for (int i = 0; i < count; ++i) defaults.setObject(platform::Value(std::string(1000, 'v')), numbered(i));
+    Stranger(file).run("PRAGMA wal_checkpoint(TRUNCATE)");
+}
+
+}  // namespace velmora::test
