@@ -177,22 +177,25 @@ int compareDownloads(const std::string& base) {
     int number = 0;
     const auto ours = [&](const std::string& path) {
         test::Await<bool> end;
-        const auto name = "video-" + std::to_string(number++);
+        const auto name = "video-" + std::to_string(++number);
         VLInternetCacher::sharedCacher().getFileAsyncFromUrl(
             base + path, name, [&](const auto&, const auto&) { end.add(true); },
             [&](const auto&, const auto&) { end.add(false); });
         if (!end.count(1) || !end.values().front()) std::exit(2);
-        std::filesystem::remove(folder / name);
     };
+    const auto removeOurs = [&] { std::filesystem::remove(folder / ("video-" + std::to_string(number))); };
     ours("/x");
+    removeOurs();
     const auto before = peakKilobytes();
     ours("/video");
+    removeOurs();
     std::printf("  a 50 MB video: peak memory grew by %.1f MB (at most 4)\n",
                 static_cast<double>(peakKilobytes() - before) / 1024);
     std::vector<double> oursTimes;
     std::vector<double> bareTimes;
     for (int round = 0; round < 9; ++round) {
         oursTimes.push_back(milliseconds([&] { ours("/video"); }));
+        removeOurs();
         const auto file = (folder / "bare").string();
         bareTimes.push_back(milliseconds([&] { bareDownload(base + "/video", file); }));
         std::filesystem::remove(file);

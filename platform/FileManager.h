@@ -19,14 +19,9 @@ public:
     /// Whether a regular file is there, or a link to one.
     [[nodiscard]] static bool isRegularFile(const std::filesystem::path& path) noexcept;
 
-    /// Writes a whole file: under a temporary name beside it, flushed, then renamed over `path`, so that a
-    /// reader sees the old file or the new one. False when it failed; nothing is left behind then.
+    /// Writes a whole file, for its owner only, and flushes it before it takes its place at once: a reader
+    /// sees the old file or the new one. False when it failed; nothing is left behind then.
     [[nodiscard]] static bool write(const std::filesystem::path& path, std::string_view content) noexcept;
-
-    /// Flushes a file that was written under a temporary name of the same folder and renames it to `path`.
-    /// False when it failed; the temporary file is then removed.
-    [[nodiscard]] static bool publish(const std::filesystem::path& temporary,
-                                      const std::filesystem::path& path) noexcept;
 };
 
 }  // namespace velmora::platform

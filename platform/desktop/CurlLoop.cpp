@@ -1,10 +1,13 @@
 #include "platform/desktop/CurlLoop.h"
 
 #include "platform/CallOut.h"
+#include "platform/Log.h"
 #include "platform/UrlSession.h"
 #include "platform/desktop/CurlTransfer.h"
 
 #include <algorithm>
+#include <string>
+#include <system_error>
 #include <utility>
 
 namespace velmora::platform {
@@ -12,7 +15,6 @@ namespace velmora::platform {
 namespace {
 
 constexpr std::chrono::milliseconds kIdleTimeout{60'000};
-/// With nothing in flight the thread wakes only when it is woken.
 constexpr std::chrono::milliseconds kLongestSleep{std::chrono::hours(1)};
 constexpr std::chrono::milliseconds kPatienceAtTheEnd{1000};
 constexpr std::size_t kMostHeldBack = 64;
@@ -34,51 +36,114 @@ CURLSH* makeShare() {
 
 }  // namespace
 
-CurlLoop::CurlLoop()
-    : idleTimeout(kIdleTimeout), multi_(makeMulti()), share_(makeShare()), thread_([this] { run(); }) {}
+CurlLoop::CurlLoop() : idleTimeout(kIdleTimeout), multi_(makeMulti()), share_(makeShare()) {}
 
 void CurlLoop::submit(Transfer transfer) {
-    {
-        const MutexLock lock(mutex_);
-        submitted_.push_back(std::move(transfer));
+    const MutexLock lock(mutex_);
+    if (!startThreads()) {
+        mutex_.unlock();
+        transfer->finish(UrlError::unknown);
+        mutex_.lock();
+        if (!completing_) complete();
+        return;
     }
+    submitted_.push_back(std::move(transfer));
+    if (!receiving_) return changed_.notify_one();
     // A wake-up costs a system call, which a burst of submissions needs once.
     if (maySleep_.exchange(false)) curl_multi_wakeup(multi_);
 }
 
 void CurlLoop::deliver(std::function<void()> work) {
-    ended_.emplace_back([this, work = std::move(work)] {
-        if (!leaving_) work();
-    });
+    const MutexLock lock(mutex_);
+    ended_.push_back(std::move(work));
 }
 
 void CurlLoop::leave() {
+    const MutexLock lock(mutex_);
     leaving_ = true;
+    changed_.notify_all();
     curl_multi_wakeup(multi_);
-    thread_.join();
+    const auto end = std::chrono::steady_clock::now() + kPatienceAtTheEnd;
+    const auto isBusy = [this]() VELMORA_REQUIRES(mutex_) {
+        return receiving_ || (completing_ && completing_ != std::this_thread::get_id());
+    };
+    while (isBusy() && std::chrono::steady_clock::now() < end) changed_.wait_until(mutex_, end);
+    if (receiving_) return;
     for (auto& [handle, flight] : flights_) flight.transfer->dropFile();
-    delegateQueue_.stop(kPatienceAtTheEnd);
 }
 
-void CurlLoop::run() {
+bool CurlLoop::startThreads() {
+    while (threads_.size() < 2 && !leaving_) {
+        try {
+            std::thread thread([this] { work(); });
+            threads_.push_back(thread.get_id());
+            thread.detach();
+        } catch (const std::system_error& error) {
+            log(std::string("A thread for the network cannot be started: ") + error.what());
+            break;
+        }
+    }
+    return !threads_.empty();
+}
+
+void CurlLoop::work() {
+    const MutexLock lock(mutex_);
     // At the end nothing is cleaned up: the process goes, and a name look-up in progress could hold it.
     while (!leaving_) {
-        callOut("the network loop", [this] { turn(); });
+        if (!completing_ && !ended_.empty()) {
+            complete();
+        } else if (mustReceive()) {
+            receive();
+        } else {
+            changed_.wait(mutex_);
+        }
     }
 }
 
+bool CurlLoop::mustReceive() const { return !receiving_ && (anyInFlight_ || !submitted_.empty()); }
+
+void CurlLoop::receive() {
+    receiving_ = true;
+    mutex_.unlock();
+    callOut("the network loop", [this] { turn(); });
+    mutex_.lock();
+    receiving_ = false;
+    anyInFlight_ = !flights_.empty();
+    if (leaving_) changed_.notify_all();
+}
+
+void CurlLoop::complete() {
+    completing_ = std::this_thread::get_id();
+    if (mustReceive()) changed_.notify_one();
+    while (!ended_.empty() && !leaving_) {
+        auto next = std::move(ended_.front());
+        ended_.pop_front();
+        mutex_.unlock();
+        callOut("a callback", next);
+        next = nullptr;
+        mutex_.lock();
+    }
+    completing_.reset();
+    if (leaving_) changed_.notify_all();
+}
+
 void CurlLoop::turn() {
-    takeIn();
-    int running = 0;
-    startedAny_ = false;
-    curl_multi_perform(multi_, &running);
-    endDone();
-    endIdle();
-    // What was started is sent off before the delegate queue is woken: the server works meanwhile. But
-    // completions must not wait for a load that does not end.
-    if (startedAny_ && ended_.size() < kMostHeldBack) return;
-    delegateQueue_.async(std::exchange(ended_, {}));
-    sleep();
+    do {
+        takeIn();
+        int running = 0;
+        startedAny_ = false;
+        curl_multi_perform(multi_, &running);
+        endDone();
+        endIdle();
+        // What was started is sent off before completions run: the server works meanwhile. But completions
+        // must not wait for a load that does not end.
+    } while (startedAny_ && mayHoldBack());
+    if (!startedAny_ && !flights_.empty()) sleep();
+}
+
+bool CurlLoop::mayHoldBack() const {
+    const MutexLock lock(mutex_);
+    return ended_.size() < kMostHeldBack && !leaving_;
 }
 
 void CurlLoop::takeIn() {
@@ -157,15 +222,12 @@ void CurlLoop::sleep() {
             flight.transfer->lastActivity() + idleTimeout.load() - std::chrono::steady_clock::now();
         longest = std::clamp(std::chrono::ceil<std::chrono::milliseconds>(left), {}, longest);
     }
-    if (startedAny_) return;
     maySleep_ = true;
-    const bool nothingNew = [this] {
+    const bool nothingToDo = [this] {
         const MutexLock lock(mutex_);
-        return submitted_.empty();
+        return submitted_.empty() && (ended_.empty() || completing_) && !leaving_;
     }();
-    if (nothingNew && !leaving_) {
-        curl_multi_poll(multi_, nullptr, 0, static_cast<int>(longest.count()) + 1, nullptr);
-    }
+    if (nothingToDo) curl_multi_poll(multi_, nullptr, 0, static_cast<int>(longest.count()) + 1, nullptr);
     maySleep_ = false;
 }
 

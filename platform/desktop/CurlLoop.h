@@ -1,15 +1,16 @@
 #pragma once
 
 #include "platform/Mutex.h"
-#include "platform/SerialQueue.h"
 #include "platform/desktop/CurlTransfer.h"
 
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <deque>
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -18,8 +19,12 @@
 
 namespace velmora::platform {
 
-/// The one thread that runs libcurl: it takes transfers in, keeps at most so many of a host in flight, and
-/// hands what has ended to the delegate queue.
+/// Runs libcurl, keeps at most so many transfers of a host in flight, and completes them one at a time, in
+/// the order in which they ended.
+///
+/// Two threads share the two roles. One that has received an answer runs its completion itself and leaves the
+/// receiving to the other, which need not be woken when nothing else is in flight: waking a thread takes
+/// about as long as a small exchange over loopback (bench-network).
 class CurlLoop {
 public:
     /// Lives as long as the process.
@@ -28,13 +33,16 @@ public:
     CurlLoop& operator=(const CurlLoop&) = delete;
 
     /// Starts a transfer, or ends it when it was cancelled meanwhile. Any thread.
+    ///
+    /// Where the machine has no thread left to start, the transfer ends in an error, and its completion runs
+    /// on the calling thread.
     void submit(std::shared_ptr<CurlTransfer> transfer);
 
-    /// Gives work to the delegate queue at the end of this turn of the loop; once the process leaves, drops
-    /// it.
+    /// Has `work` run where completions run; once the process leaves, drops it.
     void deliver(std::function<void()> work);
 
-    /// Ends the thread and the queue, for the end of the process. Nothing is completed any more.
+    /// Ends both roles, for the end of the process; a completion that takes too long goes on alone. Nothing
+    /// is completed any more.
     void leave();
 
     std::atomic<std::chrono::milliseconds> idleTimeout;
@@ -53,8 +61,15 @@ private:
         std::string host;
     };
 
-    void run();
+    /// False when there is none. A second one that cannot start is tried again the next time.
+    [[nodiscard]] bool startThreads() VELMORA_REQUIRES(mutex_);
+    void work();
+    [[nodiscard]] bool mustReceive() const VELMORA_REQUIRES(mutex_);
+    void receive() VELMORA_REQUIRES(mutex_);
+    void complete() VELMORA_REQUIRES(mutex_);
+
     void turn();
+    [[nodiscard]] bool mayHoldBack() const;
     void takeIn();
     void takeIn(Transfer transfer);
     void startWaiting(const std::string& host);
@@ -68,23 +83,25 @@ private:
 
     CURLM* const multi_;
     CURLSH* const share_;
-    SerialQueue delegateQueue_;
 
-    Mutex mutex_;
+    mutable Mutex mutex_;
+    std::condition_variable_any changed_;
     std::vector<Transfer> submitted_ VELMORA_GUARDED_BY(mutex_);
+    std::deque<std::function<void()>> ended_ VELMORA_GUARDED_BY(mutex_);
+    std::vector<std::thread::id> threads_ VELMORA_GUARDED_BY(mutex_);
+    bool receiving_ VELMORA_GUARDED_BY(mutex_) = false;
+    bool anyInFlight_ VELMORA_GUARDED_BY(mutex_) = false;
+    std::optional<std::thread::id> completing_ VELMORA_GUARDED_BY(mutex_);
     std::atomic<bool> maySleep_ = false;
     std::atomic<bool> leaving_ = false;
 
-    /// The loop's own.
+    /// Of the thread that receives.
     std::map<std::string, Host> hosts_;
     std::map<CURL*, Flight> flights_;
     /// Handles of ended transfers: making one costs more than most small exchanges (bench-network).
     std::vector<CurlHandle> spare_;
     /// Whether a transfer waits for its first turn.
     bool startedAny_ = false;
-    /// What ended in this turn, for the delegate queue.
-    std::vector<std::function<void()>> ended_;
-    std::thread thread_;
 };
 
 }  // namespace velmora::platform

@@ -2,7 +2,6 @@
 
 #include "platform/Bundle.h"
 #include "platform/Log.h"
-#include "platform/SerialQueue.h"
 #include "platform/desktop/CurlLoop.h"
 
 #include <array>
@@ -78,9 +77,10 @@ std::string environment(const char* name) {
     return value != nullptr ? value : "";
 }
 
-std::string userAgent() {
-    const auto& bundle = Bundle::main();
-    return bundle.identifier().value_or("application") + "/" + bundle.version().value_or("0");
+const std::string& userAgent() {
+    static const std::string agent =
+        Bundle::main().identifier().value_or("application") + "/" + Bundle::main().version().value_or("0");
+    return agent;
 }
 
 }  // namespace
@@ -225,7 +225,7 @@ std::size_t CurlTransfer::onBody(char* bytes, std::size_t one, std::size_t size,
     self.lastActivity_ = Clock::now();
     size *= one;
     if (self.partial_) {
-        self.partial_->append(bytes, size);
+        self.partial_->append({bytes, size});
     } else if (self.body_.size() + size > UrlSession::kMostBytesInMemory) {
         self.tooLong_ = true;
         return CURL_WRITEFUNC_ERROR;

@@ -16,7 +16,6 @@
 namespace velmora::platform {
 
 class CurlLoop;
-class SerialQueue;
 
 struct CurlCleanup {
     void operator()(CURL* handle) const noexcept { curl_easy_cleanup(handle); }

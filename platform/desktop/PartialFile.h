@@ -1,13 +1,17 @@
 #pragma once
 
 #include <filesystem>
+#include <string_view>
 
 #include <sys/types.h>
 
 namespace velmora::platform {
 
-/// A file that is being downloaded: written under a temporary name beside its place, and moved there in the
-/// end. What fails is logged once, and from then on the rest is dropped.
+/// A file in the making: it has no name, so that a process that is killed leaves nothing behind, until it is
+/// whole and takes its place at once. Where the file system knows no files without a name, it has a temporary
+/// one beside its place.
+///
+/// Of what fails the first is logged, and from then on everything else fails too.
 class PartialFile {
 public:
     explicit PartialFile(std::filesystem::path place);
@@ -16,13 +20,18 @@ public:
     PartialFile(const PartialFile&) = delete;
     PartialFile& operator=(const PartialFile&) = delete;
 
-    void append(const char* bytes, std::size_t size);
-    void publish();
+    /// False when this or anything before it failed.
+    bool append(std::string_view bytes);
+    /// Flushes it and puts it into its place, over a file that is there.
+    bool publish();
 
 private:
-    void fail(const char* what);
+    void open();
+    [[nodiscard]] bool moveIntoPlace();
+    bool fail(const char* what);
 
     const std::filesystem::path place_;
+    /// Empty while it has no name.
     std::filesystem::path temporary_;
     int descriptor_ = -1;
     off_t written_ = 0;

@@ -2,6 +2,7 @@
 
 #include "platform/Directories.h"
 #include "platform/Md5.h"
+#include "platform/desktop/PartialFile.h"
 #include "support/Files.h"
 #include "support/FullDisk.h"
 #include "support/LogCapture.h"
@@ -22,7 +23,9 @@ namespace {
 namespace fs = std::filesystem;
 
 using platform::FileManager;
+using platform::PartialFile;
 using testing::ElementsAre;
+using testing::IsEmpty;
 using testing::Pair;
 
 /// The names in a folder, each with what it holds.
@@ -57,9 +60,6 @@ TEST(FileManager, AReaderSeesTheOldFileOrTheNewOne) {
     std::thread writer([&] {
         for (int i = 1; i < 100; ++i) {
             EXPECT_TRUE(FileManager::write(file, versions[i % 2]));
-            const auto temporary = folder / "temporary";
-            writeContent(temporary, versions[(i + 1) % 2]);
-            EXPECT_TRUE(FileManager::publish(temporary, file));
         }
         written = true;
     });
@@ -90,20 +90,21 @@ TEST(FileManager, AWriteThatFailsLeavesEverythingAsItWas) {
     EXPECT_EQ(filesIn(folder.path()), before);
 }
 
-TEST(FileManager, ATemporaryFileIsGoneWhetherOrNotItCouldBePublished) {
+TEST(PartialFile, WhatIsNotPublishedIsNowhere) {
     const TemporaryDirectory folder;
-    const auto publish = [&](const fs::path& path) {
-        writeContent(folder / "temporary", "new");
-        return FileManager::publish(folder / "temporary", path);
-    };
-    EXPECT_TRUE(publish(folder / "file"));
-    fs::create_directory(folder / "folder");
-    EXPECT_FALSE(publish(folder / "folder"));
-    EXPECT_FALSE(publish(folder / "missing" / "file"));
-    EXPECT_FALSE(FileManager::fileExists(folder / "temporary"));
+    {
+        PartialFile file(folder / "file");
+        EXPECT_TRUE(file.append("begun"));
+        // Nothing that a killed process could leave.
+        EXPECT_THAT(filesIn(folder.path()), IsEmpty());
+    }
+    EXPECT_THAT(filesIn(folder.path()), IsEmpty());
     EXPECT_FALSE(FileManager::fileExists(folder / std::string(5000, 'x')));
-    EXPECT_FALSE(FileManager::publish(folder / "missing", folder / "file"));
-    EXPECT_THAT(filesIn(folder.path()), ElementsAre(Pair("file", "new"), Pair("folder", "(folder)")));
+
+    PartialFile file(folder / "file");
+    EXPECT_TRUE(file.append("a") && file.append("b") && file.publish());
+    EXPECT_FALSE(file.append("c") || file.publish());
+    EXPECT_THAT(filesIn(folder.path()), ElementsAre(Pair("file", "ab")));
 }
 
 TEST(FileManager, TheDocumentsAreForTheirOwnerUnlessThatOneOpensThem) {

@@ -179,6 +179,9 @@ struct ScriptedServer::Shared {
             }
             const auto what = script(request);
             asio::write(stream, asio::buffer(what.bytes), error);
+            for (std::size_t sent = 0; sent < what.blocks && !error; ++sent) {
+                asio::write(stream, asio::buffer(what.block), error);
+            }
             if (error) return;
             if (what.hang)
                 asio::read(stream, asio::dynamic_buffer(buffer), asio::transfer_at_least(1), error);

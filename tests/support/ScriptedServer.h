@@ -21,7 +21,10 @@ struct SeenRequest {
 
 /// What the server does about one request: bytes to send as they stand, and how it ends the connection.
 struct Script {
-    std::string bytes;
+    std::string bytes = {};
+    /// Sent so often after the bytes: a long body takes no memory.
+    std::string block = {};
+    std::size_t blocks = 0;
     /// Keep the connection for the next request, when the bytes allow it.
     bool keepOpen = false;
     /// Leave the client without an end, until the server goes or the client does.
