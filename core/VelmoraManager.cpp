@@ -1,6 +1,7 @@
 #include "core/VelmoraManager.h"
 
-#include "core/LogFormat.h"
+#include "core/AdRequest.h"
+#include "model/VLSuggestionListDirectResponseModel.h"
 #include "platform/CallOut.h"
 #include "platform/Immortal.h"
 #include "platform/Mutex.h"
@@ -51,11 +52,21 @@ std::shared_ptr<VelmoraAd> VelmoraManager::getValidCachedAdForZone(const std::op
     return nullptr;
 }
 
-void VelmoraManager::requestAdForZone(const std::optional<std::string>&,
-                                      const std::shared_ptr<VLAdRequestOptions>&, const OnAdAvailable&,
-                                      const OnNoAdAvailable&, const OnError& onError, const OnExpiring&) {
-    const auto message = formatLogLine("Error fetching data from server, code:%li ,error:%@", {-1, nullptr});
-    platform::callOut("onError", [&] { onError(message); });
+std::shared_ptr<VLAdSuggestion> VelmoraManager::getMostSuitableAdInSuggestionList(
+    const std::shared_ptr<VLSuggestionListDirectResponseModel>& list) {
+    if (!list || !list->suggestions.get()) return nullptr;
+    list->removeUnnecessaryAds();
+    const auto left = list->suggestions.get();
+    return left && !left->empty() ? left->front() : nullptr;
+}
+
+void VelmoraManager::requestAdForZone(const std::optional<std::string>& zone,
+                                      const std::shared_ptr<VLAdRequestOptions>& andOptions,
+                                      const OnAdAvailable& onAdAvailable,
+                                      const OnNoAdAvailable& onNoAdAvailable, const OnError& onError,
+                                      const OnExpiring& onExpiring) {
+    const AdRequest::Callbacks callbacks{onAdAvailable, onNoAdAvailable, onError, onExpiring};
+    std::make_shared<AdRequest>(zone, andOptions, callbacks)->send();
 }
 
 }  // namespace velmora

@@ -9,6 +9,9 @@
 
 namespace velmora {
 
+class VLAdSuggestion;
+class VLSuggestionListDirectResponseModel;
+
 /// What stands behind the facade: the request for an ad, and the callback for the end of a showing.
 class VelmoraManager {
 public:
@@ -29,8 +32,12 @@ public:
     [[nodiscard]] static std::shared_ptr<VelmoraAd>
     getValidCachedAdForZone(const std::optional<std::string>& zone, std::int64_t withCacheType);
 
-    /// Asks the service for an ad. Nothing here reaches the service yet: `onError` says so, on the calling
-    /// thread.
+    /// The first suggestion that is meant for this user and can be shown; the others that are not leave the
+    /// list. Null when there is none, or no list.
+    [[nodiscard]] static std::shared_ptr<VLAdSuggestion>
+    getMostSuitableAdInSuggestionList(const std::shared_ptr<VLSuggestionListDirectResponseModel>& list);
+
+    /// Asks the service for an ad and returns at once. All four callbacks are there, and options.
     static void requestAdForZone(const std::optional<std::string>& zone,
                                  const std::shared_ptr<VLAdRequestOptions>& andOptions,
                                  const OnAdAvailable& onAdAvailable, const OnNoAdAvailable& onNoAdAvailable,

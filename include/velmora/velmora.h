@@ -68,8 +68,13 @@ public:
     /// Asks for an ad; an absent or empty zone asks for one of any zone, absent options for a streamed one.
     ///
     /// Exactly one of `onAdAvailable`, `onNoAdAvailable` and `onError` is called, once: on a background
-    /// thread, or on the calling one before this returns when an ad is at hand already or the request cannot
-    /// begin. `onExpiring` follows on the main thread when an available ad has a time limit and it runs out.
+    /// thread, or on the calling one before this returns when an ad is at hand already. A callback may take
+    /// its time and may call the library; those of other requests then wait, their transfers do not. None is
+    /// called once the process has left `main`.
+    ///
+    /// With cache type 1 the video is on disk before `onAdAvailable`; when it cannot be fetched the ad is
+    /// offered for streaming instead, and the cache type of `andOptions` becomes 2. `onExpiring` follows on
+    /// the main thread when an available ad has a time limit and it runs out, shown or not.
     /// All four are required: with one missing, the request is dropped and none is called.
     static void requestAdForZone(const std::optional<std::string>& zone,
                                  const std::shared_ptr<VLAdRequestOptions>& andOptions,

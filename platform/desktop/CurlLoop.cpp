@@ -88,11 +88,12 @@ bool CurlLoop::startThreads() {
 
 void CurlLoop::work() {
     const MutexLock lock(mutex_);
-    // At the end nothing is cleaned up: the process goes, and a name look-up in progress could hold it.
-    while (!leaving_) {
-        if (!completing_ && !ended_.empty()) {
+    // At the end nothing is cleaned up: the process goes, and a name look-up in progress could hold it. Nor
+    // does the thread end, because what other libraries keep for it may be half gone by then.
+    for (;;) {
+        if (!leaving_ && !completing_ && !ended_.empty()) {
             complete();
-        } else if (mustReceive()) {
+        } else if (!leaving_ && mustReceive()) {
             receive();
         } else {
             changed_.wait(mutex_);

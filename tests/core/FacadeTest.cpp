@@ -6,6 +6,7 @@
 #include "support/Threads.h"
 
 #include <chrono>
+#include <cstdlib>
 #include <future>
 #include <memory>
 #include <stdexcept>
@@ -31,6 +32,8 @@ protected:
             platform::UserDefaults::standard().removeObjectForKey(key);
         }
         VLLogger::setShallLog(true);
+        // Nobody answers there.
+        ::setenv("VELMORA_API_BASE_URL", "http://127.0.0.1:1/v2", 1);
     }
 
     LogCapture log_;
@@ -205,11 +208,15 @@ TEST_F(Facade, TheEndOfAShowingIsToldToTheCallbackThatWasSetLast) {
 }
 
 TEST_F(Facade, WhatACallbackThrowsIsLoggedAndGoesNoFurther) {
-    const OnError onError = [](const std::string&) {
-        throw std::runtime_error("the application's own fault");
-    };
+    const Callbacks callbacks;
     Velmora::requestAdForZone(
-        "zone", [](const auto&) {}, [] {}, onError, [](const auto&) {});
+        "zone", callbacks.onAdAvailable, callbacks.onNoAdAvailable,
+        [](const std::string&) { throw std::runtime_error("the application's own fault"); },
+        callbacks.onExpiring);
+    // Ends after it, because it was asked for later.
+    Velmora::requestAdForZone("zone", callbacks.onAdAvailable, callbacks.onNoAdAvailable, callbacks.onError,
+                              callbacks.onExpiring);
+    callbacks.terminal->get_future().wait();
     Velmora::setAdShowFinishedCallback([](const auto&, bool) { throw 7; });
     VelmoraManager::onAdShowFinished(nullptr, true);
     Velmora::setAdShowFinishedCallback(nullptr);

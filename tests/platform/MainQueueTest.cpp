@@ -1,6 +1,7 @@
 #include "platform/MainQueue.h"
 
 #include "platform/Clock.h"
+#include "support/Application.h"
 #include "support/LogCapture.h"
 #include "support/Threads.h"
 
@@ -10,10 +11,6 @@
 #include <string>
 #include <thread>
 #include <vector>
-
-#include <QCoreApplication>
-#include <QEventLoop>
-#include <QTimer>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -27,25 +24,6 @@ using namespace std::chrono_literals;
 using platform::MainQueue;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-/// The application object of a host, whose event loop runs when it is told to.
-class Application {
-public:
-    /// Runs the event loop until `done`; false when that takes more than ten seconds.
-    bool runUntil(const std::function<bool()>& done) {
-        QTimer bound;
-        bound.setSingleShot(true);
-        bound.start(10s);
-        while (!done() && bound.isActive()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-        return done();
-    }
-
-private:
-    std::string name_ = "test";
-    char* arguments_[2] = {name_.data(), nullptr};
-    int count_ = 1;
-    QCoreApplication application_{count_, arguments_};
-};
 
 /// What ran, by number, in its order.
 class Ran {

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <velmora/velmora.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace velmora {
+
+class VLAdSuggestion;
+class VLClientError;
+class VLSuggestionListDirectResponseModel;
+
+/// One request of the application, from the question to its one answer. It lives as long as the call of the
+/// service, the download or the expiry notice that holds it.
+class AdRequest : public std::enable_shared_from_this<AdRequest> {
+public:
+    /// All four, each non-empty.
+    struct Callbacks {
+        OnAdAvailable onAdAvailable;
+        OnNoAdAvailable onNoAdAvailable;
+        OnError onError;
+        OnExpiring onExpiring;
+    };
+
+    AdRequest(std::optional<std::string> zone, std::shared_ptr<VLAdRequestOptions> options,
+              Callbacks callbacks);
+
+    /// Asks the service. Returns at once; what follows runs where the answer or the download arrives, and the
+    /// expiry notice on the main queue.
+    void send();
+
+private:
+    using Suggestion = std::shared_ptr<VLAdSuggestion>;
+
+    void onAnswer(const std::shared_ptr<VLSuggestionListDirectResponseModel>& answer);
+    void onFailure(const VLClientError& error) const;
+
+    /// Offers the ad as the options say.
+    void offer(const Suggestion& suggestion);
+    void offerDownloaded(const Suggestion& suggestion);
+    void offerStreamed(const Suggestion& suggestion);
+    [[nodiscard]] std::shared_ptr<VelmoraAd> makeAd(const Suggestion& suggestion,
+                                                    const std::optional<std::string>& videoFilePath) const;
+    void offerThenStore(const Suggestion& suggestion, const std::optional<std::string>& videoFilePath);
+    void armExpiry(const std::shared_ptr<VelmoraAd>& ad, const Suggestion& suggestion);
+
+    void callOnAdAvailable(const std::shared_ptr<VelmoraAd>& ad) const;
+    void callOnNoAdAvailable() const;
+    void callOnError(const std::string& message) const;
+
+    const std::optional<std::string> zone_;
+    const std::shared_ptr<VLAdRequestOptions> options_;
+    const Callbacks callbacks_;
+};
+
+}  // namespace velmora
