@@ -5,6 +5,8 @@
 #include "net/VLWebServices.h"
 #include "platform/FileManager.h"
 #include "support/Await.h"
+#include "support/BareCurl.h"
+#include "support/Measure.h"
 #include "support/ScriptedServer.h"
 #include "support/Suggestions.h"
 
@@ -14,35 +16,21 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <deque>
 #include <filesystem>
-#include <functional>
 #include <string>
 #include <vector>
 
-#include <curl/curl.h>
 #include <stdlib.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 using namespace velmora;
-using Clock = std::chrono::steady_clock;
+using namespace velmora::bench;
 
 namespace {
 
 constexpr std::size_t kVideoSize = std::size_t{50} * 1000 * 1000;
-
-double milliseconds(const std::function<void()>& work) {
-    const auto start = Clock::now();
-    work();
-    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
-}
-
-double median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
 
 /// The server in a process of its own, so that its memory and its time are not counted here.
 class ServerProcess {
@@ -85,74 +73,6 @@ private:
     pid_t process_ = 0;
 };
 
-std::size_t keep(char* bytes, std::size_t one, std::size_t size, void* text) {
-    static_cast<std::string*>(text)->append(bytes, one * size);
-    return one * size;
-}
-
-/// libcurl's multi interface as anyone would use it, in the calling thread.
-class BareCurl {
-public:
-    BareCurl() : multi_(curl_multi_init()) {}
-    ~BareCurl() { curl_multi_cleanup(multi_); }
-    BareCurl(const BareCurl&) = delete;
-    BareCurl& operator=(const BareCurl&) = delete;
-
-    /// So many GETs, at most 8 at a time.
-    void get(const std::string& url, int count) {
-        std::deque<std::string> bodies(static_cast<std::size_t>(count));
-        int started = 0;
-        int ended = 0;
-        while (ended < count) {
-            for (; started < count && started - ended < 8; ++started) {
-                auto* handle = make(url, bodies[static_cast<std::size_t>(started)]);
-                curl_multi_add_handle(multi_, handle);
-            }
-            ended += turn();
-        }
-    }
-
-    std::string post(const std::string& url, const std::string& body) {
-        std::string answer;
-        auto* handle = make(url, answer);
-        curl_slist* headers = curl_slist_append(nullptr, "Content-Type: application/json");
-        curl_easy_setopt(handle, CURLOPT_HTTPHEADER, headers);
-        curl_easy_setopt(handle, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
-        curl_easy_setopt(handle, CURLOPT_POSTFIELDS, body.data());
-        curl_multi_add_handle(multi_, handle);
-        while (turn() == 0) continue;
-        curl_slist_free_all(headers);
-        return answer;
-    }
-
-private:
-    static CURL* make(const std::string& url, std::string& body) {
-        auto* handle = curl_easy_init();
-        curl_easy_setopt(handle, CURLOPT_URL, url.c_str());
-        curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, keep);
-        curl_easy_setopt(handle, CURLOPT_WRITEDATA, &body);
-        return handle;
-    }
-
-    /// How many ended.
-    int turn() {
-        int running = 0;
-        int left = 0;
-        int ended = 0;
-        curl_multi_perform(multi_, &running);
-        while (const auto* message = curl_multi_info_read(multi_, &left)) {
-            auto* handle = message->easy_handle;
-            curl_multi_remove_handle(multi_, handle);
-            curl_easy_cleanup(handle);
-            ++ended;
-        }
-        if (ended == 0) curl_multi_poll(multi_, nullptr, 0, 1000, nullptr);
-        return ended;
-    }
-
-    CURLM* multi_;
-};
-
 void bareDownload(const std::string& url, const std::string& file) {
     const auto command = "curl --silent --output '" + file + "' '" + url + "'";
     if (std::system(command.c_str()) != 0) std::exit(2);
@@ -162,14 +82,6 @@ long peakKilobytes() {
     rusage usage{};
     ::getrusage(RUSAGE_SELF, &usage);
     return usage.ru_maxrss;
-}
-
-int verdict(const char* name, double ours, double bare, double most, const char* unit) {
-    const double ratio = ours / bare;
-    std::printf("  %-40s %9.3f %9.3f %s %6.2f %6.2f%s\n", name, ours, bare, unit, ratio, most,
-                ratio > most ? "  BEYOND" : "");
-    std::fflush(stdout);
-    return ratio > most ? 1 : 0;
 }
 
 int compareDownloads(const std::string& base) {
@@ -200,7 +112,7 @@ int compareDownloads(const std::string& base) {
         bareTimes.push_back(milliseconds([&] { bareDownload(base + "/video", file); }));
         std::filesystem::remove(file);
     }
-    return verdict("a 50 MB video, against curl -o", median(oursTimes), median(bareTimes), 1.15, "ms");
+    return verdict("a 50 MB video, against curl -o", median(oursTimes), median(bareTimes), 1.15);
 }
 
 int comparePosts(const std::string& base) {
@@ -213,9 +125,7 @@ int comparePosts(const std::string& base) {
         VLClient::sendRequestOfMethod(
             VLHttpRequestMethod::post, path, std::nullopt, body, false,
             receive<VLSuggestionListDirectResponseModel>(),
-            [&](std::int64_t, const VLResult&) {
-                end.add(std::chrono::duration<double, std::milli>(Clock::now() - start).count());
-            },
+            [&](std::int64_t, const VLResult&) { end.add(millisecondsSince(start)); },
             [&](const VLClientError&) { std::exit(2); });
         if (!end.count(1)) std::exit(2);
         return end.values().front();
@@ -223,7 +133,7 @@ int comparePosts(const std::string& base) {
     BareCurl curl;
     const auto text = platform::writeJson(body).value();
     const auto bare = [&] {
-        const auto value = boost::json::parse(curl.post(path, text));
+        const auto value = boost::json::parse(curl.post(path, text, {"Content-Type: application/json"}));
         if (!value.is_object()) std::exit(2);
     };
     std::vector<double> oursTimes;
@@ -232,7 +142,7 @@ int comparePosts(const std::string& base) {
         oursTimes.push_back(ours());
         bareTimes.push_back(milliseconds(bare));
     }
-    return verdict("a POST and its answer, p50", median(oursTimes), median(bareTimes), 1.3, "ms");
+    return verdict("a POST and its answer, p50", median(oursTimes), median(bareTimes), 1.3);
 }
 
 int compareBursts(const std::string& base) {
@@ -260,7 +170,7 @@ int compareBursts(const std::string& base) {
     }
     std::printf("  2000 calls at once: %.1f us each for the caller (at most 10)\n",
                 median(callTimes) * 1000 / count);
-    return verdict("2000 calls at once, to the last end", median(oursTimes), median(bareTimes), 1.3, "ms");
+    return verdict("2000 calls at once, to the last end", median(oursTimes), median(bareTimes), 1.3);
 }
 
 }  // namespace
@@ -271,7 +181,7 @@ int main() {
     setenv("XDG_DATA_HOME", folder.c_str(), 1);
     const ServerProcess server;
 
-    std::printf("Over loopback, one server process%26s %9s    %6s %6s\n", "ours", "bare", "ratio", "most");
+    heading("Over loopback, one server process");
     const int beyond = compareDownloads(server.base) + comparePosts(server.base) + compareBursts(server.base);
     std::filesystem::remove_all(folder);
     return beyond > 0 ? 1 : 0;

@@ -17,6 +17,8 @@ namespace {
 constexpr std::chrono::milliseconds kIdleTimeout{60'000};
 constexpr std::chrono::milliseconds kLongestSleep{std::chrono::hours(1)};
 constexpr std::chrono::milliseconds kPatienceAtTheEnd{1000};
+/// How long after an exchange its connection is likely to be open still.
+constexpr std::chrono::seconds kKeptWarm{15};
 constexpr std::size_t kMostHeldBack = 64;
 constexpr long kKeptConnections = 64;
 
@@ -48,9 +50,17 @@ void CurlLoop::submit(Transfer transfer) {
         return;
     }
     submitted_.push_back(std::move(transfer));
-    if (!receiving_) return changed_.notify_one();
-    // A wake-up costs a system call, which a burst of submissions needs once.
-    if (maySleep_.exchange(false)) curl_multi_wakeup(multi_);
+    if (receiving_) {
+        // A wake-up costs a system call, which a burst of submissions needs once.
+        if (maySleep_.exchange(false)) curl_multi_wakeup(multi_);
+        return;
+    }
+    if (mayStartHere()) receive(&CurlLoop::start);
+    changed_.notify_one();
+}
+
+bool CurlLoop::mayStartHere() const {
+    return !anyInFlight_ && submitted_.size() == 1 && std::chrono::steady_clock::now() < warmUntil_;
 }
 
 void CurlLoop::deliver(std::function<void()> work) {
@@ -94,7 +104,7 @@ void CurlLoop::work() {
         if (!leaving_ && !completing_ && !ended_.empty()) {
             complete();
         } else if (!leaving_ && mustReceive()) {
-            receive();
+            receive(&CurlLoop::turn);
         } else {
             changed_.wait(mutex_);
         }
@@ -103,13 +113,15 @@ void CurlLoop::work() {
 
 bool CurlLoop::mustReceive() const { return !receiving_ && (anyInFlight_ || !submitted_.empty()); }
 
-void CurlLoop::receive() {
+void CurlLoop::receive(void (CurlLoop::*what)()) {
     receiving_ = true;
     mutex_.unlock();
-    callOut("the network loop", [this] { turn(); });
+    callOut("the network loop", [&] { (this->*what)(); });
     mutex_.lock();
     receiving_ = false;
     anyInFlight_ = !flights_.empty();
+    if (landedAny_) warmUntil_ = std::chrono::steady_clock::now() + kKeptWarm;
+    landedAny_ = false;
     if (leaving_) changed_.notify_all();
 }
 
@@ -128,12 +140,16 @@ void CurlLoop::complete() {
     if (leaving_) changed_.notify_all();
 }
 
+void CurlLoop::start() {
+    takeIn();
+    int running = 0;
+    startedAny_ = false;
+    curl_multi_perform(multi_, &running);
+}
+
 void CurlLoop::turn() {
     do {
-        takeIn();
-        int running = 0;
-        startedAny_ = false;
-        curl_multi_perform(multi_, &running);
+        start();
         endDone();
         endIdle();
         // What was started is sent off before completions run: the server works meanwhile. But completions
@@ -237,6 +253,7 @@ void CurlLoop::land(CURL* handle, Result result) {
     const auto found = flights_.find(handle);
     const auto flight = std::move(found->second);
     flights_.erase(found);
+    landedAny_ = true;
     curl_multi_remove_handle(multi_, handle);
     flight.transfer->finish(result);
     // Taken here in any case: a handle belongs to this thread, and the transfer may go on another one.

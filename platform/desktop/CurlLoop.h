@@ -64,10 +64,16 @@ private:
     /// False when there is none. A second one that cannot start is tried again the next time.
     [[nodiscard]] bool startThreads() VELMORA_REQUIRES(mutex_);
     void work();
+    /// Whether the calling thread sends a transfer off itself, so that the server works while a thread wakes:
+    /// only one alone, and over a connection that is likely to be open, because opening one may take long.
+    [[nodiscard]] bool mayStartHere() const VELMORA_REQUIRES(mutex_);
     [[nodiscard]] bool mustReceive() const VELMORA_REQUIRES(mutex_);
-    void receive() VELMORA_REQUIRES(mutex_);
+    /// Does `what` in the role of the thread that receives.
+    void receive(void (CurlLoop::*what)()) VELMORA_REQUIRES(mutex_);
     void complete() VELMORA_REQUIRES(mutex_);
 
+    /// Sends off what was submitted, as far as that goes without waiting.
+    void start();
     void turn();
     [[nodiscard]] bool mayHoldBack() const;
     void takeIn();
@@ -91,6 +97,7 @@ private:
     std::vector<std::thread::id> threads_ VELMORA_GUARDED_BY(mutex_);
     bool receiving_ VELMORA_GUARDED_BY(mutex_) = false;
     bool anyInFlight_ VELMORA_GUARDED_BY(mutex_) = false;
+    std::chrono::steady_clock::time_point warmUntil_ VELMORA_GUARDED_BY(mutex_);
     std::optional<std::thread::id> completing_ VELMORA_GUARDED_BY(mutex_);
     std::atomic<bool> maySleep_ = false;
     std::atomic<bool> leaving_ = false;
@@ -102,6 +109,7 @@ private:
     std::vector<CurlHandle> spare_;
     /// Whether a transfer waits for its first turn.
     bool startedAny_ = false;
+    bool landedAny_ = false;
 };
 
 }  // namespace velmora::platform

@@ -1,0 +1,116 @@
+// What a request for an ad costs over a bare POST of the same bytes with its answer parsed, from the call of
+// the facade to its callback, against a live service that was asked for on the command line.
+
+#include "model/RecordOutput.h"
+#include "model/VLAdSuggestionFinalState.h"
+#include "model/VLCachedVelmoraAds.h"
+#include "model/VLDefaults.h"
+#include "model/VLDirectAdSuggestionRequestJsonParams.h"
+#include "model/VLFinalStatesModel.h"
+#include "net/VLRequestHeaders.h"
+#include "net/VLWebServices.h"
+#include "platform/Json.h"
+#include "support/Await.h"
+#include "support/BareCurl.h"
+#include "support/Measure.h"
+
+#include <velmora/velmora.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+#include <stdlib.h>
+
+using namespace velmora;
+using namespace velmora::bench;
+
+namespace {
+
+constexpr int kRounds = 1000;
+constexpr const char* kZone = "video";
+
+struct Times {
+    double call;
+    double available;
+};
+
+/// How long the call took, and how long it was to `onAdAvailable`.
+Times request() {
+    test::Await<double> end;
+    const auto start = Clock::now();
+    const auto failed = [&] {
+        std::fprintf(stderr, "no ad came\n");
+        std::_Exit(2);
+    };
+    Velmora::requestAdForZone(
+        kZone, [&](const auto&) { end.add(millisecondsSince(start)); }, failed,
+        [&](const auto&) { failed(); }, [](const auto&) {});
+    const double call = millisecondsSince(start);
+    if (!end.count(1)) failed();
+    return {call, end.values().front()};
+}
+
+BareCurl::Headers headersOf() {
+    BareCurl::Headers lines{"Content-Type: application/json", "Accept: application/json"};
+    for (const auto& [name, value] : VLRequestHeaders::getHeaders()) {
+        auto line = name;
+        lines.push_back(line.append(": ").append(value));
+    }
+    return lines;
+}
+
+/// What a first run, and ten answers later, leaves to be sent with each request.
+void storeTenStates() {
+    std::vector<std::shared_ptr<VLAdSuggestionFinalState>> states;
+    for (int i = 0; i < 10; ++i) {
+        states.push_back(std::make_shared<VLAdSuggestionFinalState>(Value("state-" + std::to_string(i)), 2,
+                                                                    Value(Dictionary())));
+    }
+    const auto list = std::make_shared<VLFinalStatesModel>();
+    list->setStates(makeList(std::move(states)));
+    VLDefaults::setFinalStates(list);
+}
+
+}  // namespace
+
+int main() {
+    if (std::getenv("VELMORA_API_BASE_URL") == nullptr) {
+        std::fprintf(stderr, "Set VELMORA_API_BASE_URL to a running sandbox, as it prints it (--plain)\n");
+        return 2;
+    }
+    std::string folder = (std::filesystem::temp_directory_path() / "velmora-bench-XXXXXX").string();
+    if (mkdtemp(folder.data()) == nullptr) return 2;
+    setenv("XDG_DATA_HOME", folder.c_str(), 1);
+    const auto configuration = std::make_shared<VLConfiguration>();
+    configuration->setDebugMode(false);
+    Velmora::initializeWithAppKey("bench-key", configuration);
+    // Gets the token and opens the connection.
+    request();
+
+    BareCurl curl;
+    std::vector<double> calls;
+    std::vector<double> ours;
+    std::vector<double> bare;
+    for (int round = 0; round < kRounds; ++round) {
+        // The list of ready ads grows with each request; an application shows them and they go.
+        VLDefaults::setCachedAds(nullptr);
+        storeTenStates();
+        const auto body = recordToJson(VLDirectAdSuggestionRequestJsonParams(
+                                           2, kZone, VLDefaults::getFinalStates(), nullptr))
+                              .value();
+        const auto headers = headersOf();
+        bare.push_back(milliseconds([&] {
+            const auto answer =
+                boost::json::parse(curl.post(VLWebServices::getSuggestionsUrl(), body, headers));
+            if (!answer.as_object().contains("suggestions")) std::_Exit(2);
+        }));
+        const auto times = request();
+        calls.push_back(times.call);
+        ours.push_back(times.available);
+    }
+    heading("A request for a streamed ad, p50");
+    const int beyond = verdict("to onAdAvailable", median(ours), median(bare), 1.3);
+    std::printf("  the call itself: %.0f us (at most 100)\n", median(calls) * 1000);
+    std::filesystem::remove_all(folder);
+    return beyond > 0 || median(calls) > 0.1 ? 1 : 0;
+}

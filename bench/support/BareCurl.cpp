@@ -1,0 +1,70 @@
+#include "support/BareCurl.h"
+
+#include <deque>
+
+namespace velmora::bench {
+
+namespace {
+
+std::size_t keep(char* bytes, std::size_t one, std::size_t size, void* text) {
+    static_cast<std::string*>(text)->append(bytes, one * size);
+    return one * size;
+}
+
+}  // namespace
+
+BareCurl::BareCurl() : multi_(curl_multi_init()) {}
+
+BareCurl::~BareCurl() { curl_multi_cleanup(multi_); }
+
+void BareCurl::get(const std::string& url, int count) {
+    std::deque<std::string> bodies(static_cast<std::size_t>(count));
+    int started = 0;
+    int ended = 0;
+    while (ended < count) {
+        for (; started < count && started - ended < 8; ++started) {
+            auto* handle = make(url, bodies[static_cast<std::size_t>(started)]);
+            curl_multi_add_handle(multi_, handle);
+        }
+        ended += turn();
+    }
+}
+
+std::string BareCurl::post(const std::string& url, const std::string& body, const Headers& headers) {
+    std::string answer;
+    auto* handle = make(url, answer);
+    curl_slist* list = nullptr;
+    for (const auto& header : headers) list = curl_slist_append(list, header.c_str());
+    curl_easy_setopt(handle, CURLOPT_HTTPHEADER, list);
+    curl_easy_setopt(handle, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
+    curl_easy_setopt(handle, CURLOPT_POSTFIELDS, body.data());
+    curl_multi_add_handle(multi_, handle);
+    while (turn() == 0) continue;
+    curl_slist_free_all(list);
+    return answer;
+}
+
+CURL* BareCurl::make(const std::string& url, std::string& body) {
+    auto* handle = curl_easy_init();
+    curl_easy_setopt(handle, CURLOPT_URL, url.c_str());
+    curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, keep);
+    curl_easy_setopt(handle, CURLOPT_WRITEDATA, &body);
+    return handle;
+}
+
+int BareCurl::turn() {
+    int running = 0;
+    int left = 0;
+    int ended = 0;
+    curl_multi_perform(multi_, &running);
+    while (const auto* message = curl_multi_info_read(multi_, &left)) {
+        auto* handle = message->easy_handle;
+        curl_multi_remove_handle(multi_, handle);
+        curl_easy_cleanup(handle);
+        ++ended;
+    }
+    if (ended == 0) curl_multi_poll(multi_, nullptr, 0, 1000, nullptr);
+    return ended;
+}
+
+}  // namespace velmora::bench

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include <QSizeF>
+
+namespace velmora::platform {
+
+class ViewController;
+
+/// Which way up the interface is; the numbers are those that the ad service and its pages know.
+enum class InterfaceOrientation : int {
+    unknown = 0,
+    portrait = 1,
+    portraitUpsideDown = 2,
+    landscapeRight = 3,
+    landscapeLeft = 4,
+};
+
+[[nodiscard]] constexpr bool isLandscape(InterfaceOrientation orientation) {
+    return orientation == InterfaceOrientation::landscapeRight ||
+           orientation == InterfaceOrientation::landscapeLeft;
+}
+
+/// The application that hosts the library. Main thread only.
+class Application {
+public:
+    Application() = delete;
+
+    /// The controller of the application's active window, or of another visible one when none is active; made
+    /// on first use, and the same one for the same window. Null when the application shows no window, unless
+    /// one was set.
+    [[nodiscard]] static std::shared_ptr<ViewController> rootViewController();
+
+    /// For applications and tests with controllers of their own; null goes back to the active window's.
+    static void setRootViewController(std::shared_ptr<ViewController> controller);
+
+    /// By the shape of the screen and how it is turned.
+    [[nodiscard]] static InterfaceOrientation statusBarOrientation();
+
+    /// The main screen's size in device-independent pixels.
+    [[nodiscard]] static QSizeF mainScreenSize();
+
+    /// Whether the desktop has a program for the URL's scheme. False for what is no URL.
+    [[nodiscard]] static bool canOpenUrl(const std::string& url);
+
+    /// Opens it with that program, without a shell, and returns before it is open. What fails is logged.
+    static void openUrl(const std::string& url);
+};
+
+}  // namespace velmora::platform
