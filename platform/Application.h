@@ -3,8 +3,6 @@
 #include <memory>
 #include <string>
 
-#include <QSizeF>
-
 namespace velmora::platform {
 
 class ViewController;
@@ -23,6 +21,12 @@ enum class InterfaceOrientation : int {
            orientation == InterfaceOrientation::landscapeLeft;
 }
 
+/// In device-independent pixels.
+struct ScreenSize {
+    double width = 0;
+    double height = 0;
+};
+
 /// The application that hosts the library. Main thread only.
 class Application {
 public:
@@ -39,8 +43,7 @@ public:
     /// By the shape of the screen and how it is turned.
     [[nodiscard]] static InterfaceOrientation statusBarOrientation();
 
-    /// The main screen's size in device-independent pixels.
-    [[nodiscard]] static QSizeF mainScreenSize();
+    [[nodiscard]] static ScreenSize mainScreenSize();
 
     /// Whether the desktop has a program for the URL's scheme. False for what is no URL.
     [[nodiscard]] static bool canOpenUrl(const std::string& url);
