@@ -34,18 +34,45 @@ void setString(const std::optional<std::string>& text, std::string_view key) {
     text ? defaults().setObject(Value(*text), key) : defaults().removeObjectForKey(key);
 }
 
+/// Null when the store could not be read; an empty record for a missing key.
 template <class Model>
-std::shared_ptr<Model> getRecord(std::string_view key) {
+std::shared_ptr<Model> readRecord(std::string_view key) {
     // Most records fit, and are then read without one allocation of the parser's.
     std::array<unsigned char, 8192> room;
     platform::Arena arena(room.data(), room.size());
-    const auto value = defaults().objectForKey(key, &arena);
-    return recordFrom<Model>(value ? value->if_object() : nullptr);
+    const auto stored = defaults().lookUp(key, &arena);
+    return stored.wasRead ? recordFrom<Model>(stored.value ? stored.value->if_object() : nullptr) : nullptr;
+}
+
+template <class Model>
+std::shared_ptr<Model> getRecord(std::string_view key) {
+    auto record = readRecord<Model>(key);
+    return record ? record : recordFrom<Model>(nullptr);
 }
 
 template <class Model>
 void setRecord(const std::shared_ptr<Model>& record, std::string_view key) {
     record ? defaults().setJson(recordToJson(*record), key) : defaults().removeObjectForKey(key);
+}
+
+/// Reads a record, changes it and writes it back; one that cannot be read stays as it is on the disk.
+template <class Model, class Change>
+void changeRecord(std::string_view key, const Change& change) {
+    const auto record = readRecord<Model>(key);
+    if (!record) return;
+    change(*record);
+    setRecord(record, key);
+}
+
+using AdList = std::vector<std::shared_ptr<VelmoraAd>>;
+
+/// Changes the list of the ready ads.
+template <class Change>
+void changeCachedAds(const Change& change) {
+    changeRecord<VLCachedVelmoraAds>(kCachedAds, [&](VLCachedVelmoraAds& record) {
+        if (!record.cachedVelmoraAds.get()) record.cachedVelmoraAds.set(makeList<VelmoraAd>());
+        change(*record.cachedVelmoraAds.get());
+    });
 }
 
 bool matchesZone(const VelmoraAd& ad, const std::optional<std::string>& zone) {
@@ -155,9 +182,9 @@ void VLDefaults::setDoneAdSuggestions(const ModelList<VLDoneAdSuggestion>& sugge
 }
 
 void VLDefaults::addDoneAdSuggestion(const std::shared_ptr<VLDoneAdSuggestion>& suggestion) {
-    const auto record = getCachedDoneAdSuggestions();
-    if (suggestion) record->doneAdSuggestions->push_back(suggestion);
-    setCachedDoneAdSuggestions(record);
+    changeRecord<VLCachedDoneAdSuggestions>(kCachedDoneAdSuggestions, [&](auto& record) {
+        if (suggestion) record.doneAdSuggestions->push_back(suggestion);
+    });
 }
 
 void VLDefaults::removeDoneSuggestionsByIds(const std::optional<std::vector<std::string>>&) {
@@ -166,8 +193,8 @@ void VLDefaults::removeDoneSuggestionsByIds(const std::optional<std::vector<std:
 
 void VLDefaults::removeFinalStatesByIds(const std::optional<std::vector<std::string>>& suggestionIds) {
     if (!defaults().hasKey(kFinalStates)) return;
-    const auto record = getFinalStates();
-    const auto states = record->getStates();
+    const auto record = readRecord<VLFinalStatesModel>(kFinalStates);
+    const auto states = record ? record->getStates() : nullptr;
     if (!states) return;
     if (suggestionIds) {
         std::erase_if(*states, [&](const auto& state) {
@@ -178,30 +205,30 @@ void VLDefaults::removeFinalStatesByIds(const std::optional<std::vector<std::str
 }
 
 void VLDefaults::cacheNewAd(const std::shared_ptr<VelmoraAd>& ad) {
-    const auto cachedAds = getCachedAds();
-    if (ad) cachedAds->cachedVelmoraAds.get()->push_back(ad);
-    setCachedAds(cachedAds);
+    changeCachedAds([&](AdList& ads) {
+        if (ad) ads.push_back(ad);
+    });
 }
 
 void VLDefaults::removeCachedAd(const std::shared_ptr<VelmoraAd>& ad) {
-    const auto cachedAds = getCachedAds();
     const auto id = ad ? ad->getId() : std::nullopt;
-    std::erase_if(*cachedAds->cachedVelmoraAds.get(),
-                  [&](const auto& one) { return (id && one->getId() == id) || !one->isValid(); });
-    setCachedAds(cachedAds);
+    changeCachedAds([&](AdList& ads) {
+        std::erase_if(ads, [&](const auto& one) { return (id && one->getId() == id) || !one->isValid(); });
+    });
 }
 
 std::shared_ptr<VelmoraAd>
 VLDefaults::getValidCachedAdForZone(const std::optional<std::string>& zone,
                                     const std::shared_ptr<VLAdRequestOptions>& andOptions) {
-    const auto cachedAds = getCachedAds();
-    const auto ads = cachedAds->cachedVelmoraAds.get();
-    std::erase_if(*ads, [](const auto& ad) { return !ad->isValid(); });
-    const auto found = std::find_if(ads->begin(), ads->end(), [&](const auto& ad) {
-        return matchesZone(*ad, zone) && matchesOptions(*ad, andOptions);
+    std::shared_ptr<VelmoraAd> valid;
+    changeCachedAds([&](AdList& ads) {
+        std::erase_if(ads, [](const auto& ad) { return !ad->isValid(); });
+        const auto found = std::find_if(ads.begin(), ads.end(), [&](const auto& ad) {
+            return matchesZone(*ad, zone) && matchesOptions(*ad, andOptions);
+        });
+        if (found != ads.end()) valid = *found;
     });
-    setCachedAds(cachedAds);
-    return found != ads->end() ? *found : nullptr;
+    return valid;
 }
 
 }  // namespace velmora

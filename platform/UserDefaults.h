@@ -33,6 +33,14 @@ public:
     /// The value; absent when the key is missing or holds what is not a value. It lives in `storage`.
     [[nodiscard]] std::optional<Value> objectForKey(std::string_view key, Storage storage = {});
 
+    /// The same, with whether the file could be read at all: what is to be changed and written back must not
+    /// be taken for missing then.
+    struct Stored {
+        std::optional<Value> value;
+        bool wasRead = false;
+    };
+    [[nodiscard]] Stored lookUp(std::string_view key, Storage storage = {});
+
     /// The text; absent for every other kind.
     [[nodiscard]] std::optional<std::string> stringForKey(std::string_view key);
 

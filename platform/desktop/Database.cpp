@@ -144,9 +144,9 @@ int salvage(const sqlite::Connection& from, const sqlite::Connection& into) {
 
 Database::Database(fs::path file) : file_(std::move(file)) {}
 
-void Database::get(std::string_view key, const std::function<void(std::string_view value)>& take) {
+bool Database::get(std::string_view key, const std::function<void(std::string_view value)>& take) {
     const MutexLock lock(mutex_);
-    perform("read", [&](const Opened& opened) {
+    return perform("read", [&](const Opened& opened) {
         sqlite::bind(opened.get, 1, key);
         return sqlite::step(opened.get, [&] { take(sqlite::column(opened.get, 0)); });
     });
@@ -180,7 +180,7 @@ void Database::remove(std::string_view key) {
 }
 
 template <class Operation>
-void Database::perform(std::string_view what, Operation operation) {
+bool Database::perform(std::string_view what, Operation operation) {
     const auto end = Steady::now() + kLongestWait;
     const auto attempt = [&](Code code) VELMORA_REQUIRES(mutex_) {
         if (code != SQLITE_OK) return code;
@@ -196,9 +196,10 @@ void Database::perform(std::string_view what, Operation operation) {
     if (isDamage(code)) code = attempt(repair(end));
     // What kept it from being written may have passed by the next call.
     if (opened_ && opened_->forReadingOnly) opened_.reset();
-    if (code == SQLITE_OK) return;
+    if (code == SQLITE_OK) return true;
     log("The stored state cannot be " + std::string(what) + ": " + file_.string() + ": " +
         sqlite3_errstr(code));
+    return false;
 }
 
 Code Database::ensureOpen(Time end) {

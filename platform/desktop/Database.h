@@ -23,8 +23,8 @@ public:
     explicit Database(std::filesystem::path file);
 
     /// Calls `take` with the value, which is gone when it returns; not when the key is missing or the file
-    /// cannot be read. `take` runs under the lock of this object.
-    void get(std::string_view key, const std::function<void(std::string_view value)>& take);
+    /// cannot be read, for which the answer is false. `take` runs under the lock of this object.
+    bool get(std::string_view key, const std::function<void(std::string_view value)>& take);
     [[nodiscard]] bool has(std::string_view key);
     void set(std::string_view key, std::string_view value);
     void remove(std::string_view key);
@@ -51,9 +51,10 @@ private:
         bool forReadingOnly = false;
     };
 
-    /// Runs one of the statements on the open file; `what` says in the past tense what was asked for.
+    /// Runs one of the statements on the open file; `what` says in the past tense what was asked for. False
+    /// when it failed.
     template <class Operation>
-    void perform(std::string_view what, Operation operation) VELMORA_REQUIRES(mutex_);
+    bool perform(std::string_view what, Operation operation) VELMORA_REQUIRES(mutex_);
     [[nodiscard]] sqlite::Code ensureOpen(Time end) VELMORA_REQUIRES(mutex_);
     [[nodiscard]] sqlite::Code repair(Time end) VELMORA_REQUIRES(mutex_);
     [[nodiscard]] sqlite::Code open(Time end) VELMORA_REQUIRES(mutex_);

@@ -19,15 +19,19 @@ UserDefaults::UserDefaults(std::filesystem::path file)
 UserDefaults::~UserDefaults() = default;
 
 std::optional<Value> UserDefaults::objectForKey(std::string_view key, Storage storage) {
-    std::optional<Value> value;
+    return lookUp(key, std::move(storage)).value;
+}
+
+UserDefaults::Stored UserDefaults::lookUp(std::string_view key, Storage storage) {
+    Stored stored;
     bool found = false;
-    database_->get(key, [&](std::string_view text) {
+    stored.wasRead = database_->get(key, [&](std::string_view text) {
         found = true;
-        value = parseJson(text, std::move(storage));
+        stored.value = parseJson(text, std::move(storage));
     });
-    if (found && !value)
+    if (found && !stored.value)
         log("The stored value of \"" + std::string(key) + "\" is damaged and reads as absent");
-    return value;
+    return stored;
 }
 
 std::optional<std::string> UserDefaults::stringForKey(std::string_view key) {
