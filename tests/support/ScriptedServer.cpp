@@ -3,20 +3,13 @@
 
 #include "support/ScriptedServer.h"
 
-#include "platform/FileManager.h"
-#include "support/TemporaryDirectory.h"
-
 #include <algorithm>
-#include <atomic>
 #include <list>
 #include <mutex>
 #include <thread>
 
 #include <boost/asio.hpp>
 #include <boost/asio/ssl.hpp>
-#include <openssl/evp.h>
-#include <openssl/pem.h>
-#include <openssl/x509v3.h>
 
 namespace velmora::test {
 
@@ -25,55 +18,6 @@ using Tcp = asio::ip::tcp;
 using Error = boost::system::error_code;
 
 namespace {
-
-template <class T, void (*release)(T*)>
-struct Release {
-    void operator()(T* object) const noexcept { release(object); }
-};
-
-using Key = std::unique_ptr<EVP_PKEY, Release<EVP_PKEY, EVP_PKEY_free>>;
-using Certificate = std::unique_ptr<X509, Release<X509, X509_free>>;
-
-Key makeKey() { return Key(EVP_EC_gen("P-256")); }
-
-void addExtension(X509* certificate, X509* issuer, int kind, const std::string& value) {
-    X509V3_CTX context;
-    X509V3_set_ctx(&context, issuer, certificate, nullptr, nullptr, 0);
-    auto* extension = X509V3_EXT_conf_nid(nullptr, &context, kind, value.c_str());
-    X509_add_ext(certificate, extension, -1);
-    X509_EXTENSION_free(extension);
-}
-
-Certificate makeCertificate(const std::string& name, EVP_PKEY* key, X509* issuer, EVP_PKEY* issuerKey,
-                            int validDays, const std::string& alternativeName) {
-    constexpr long day = 24L * 60 * 60;
-    Certificate certificate(X509_new());
-    auto* raw = certificate.get();
-    X509_set_version(raw, 2);
-    static std::atomic<long> serial = 1;
-    ASN1_INTEGER_set(X509_get_serialNumber(raw), serial++);
-    X509_gmtime_adj(X509_getm_notBefore(raw), -10 * day);
-    X509_gmtime_adj(X509_getm_notAfter(raw), validDays * day);
-    X509_set_pubkey(raw, key);
-    const auto* bytes = reinterpret_cast<const unsigned char*>(name.c_str());
-    X509_NAME_add_entry_by_txt(X509_get_subject_name(raw), "CN", MBSTRING_UTF8, bytes, -1, -1, 0);
-    X509_set_issuer_name(raw, X509_get_subject_name(issuer != nullptr ? issuer : raw));
-    if (issuer == nullptr) addExtension(raw, raw, NID_basic_constraints, "critical,CA:TRUE");
-    if (!alternativeName.empty()) addExtension(raw, issuer, NID_subject_alt_name, alternativeName);
-    X509_sign(raw, issuerKey, EVP_sha256());
-    return certificate;
-}
-
-template <class Write>
-std::string pem(const Write& write) {
-    BIO* memory = BIO_new(BIO_s_mem());
-    write(memory);
-    char* bytes = nullptr;
-    const long size = BIO_get_mem_data(memory, &bytes);
-    std::string text(bytes, static_cast<std::size_t>(size));
-    BIO_free(memory);
-    return text;
-}
 
 std::string lower(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
@@ -110,31 +54,6 @@ Script Script::answer(int status, std::string_view body, std::string_view moreHe
                    std::string(moreHeaders) + "\r\n" + std::string(body);
     script.keepOpen = true;
     return script;
-}
-
-std::shared_ptr<Certificates> Certificates::makeFor(const std::string& host, int validDays) {
-    // Authorities of one name would be taken for each other.
-    static std::atomic<int> count = 0;
-    const auto name = "Test authority " + std::to_string(count++);
-    const auto authorityKey = makeKey();
-    const auto authority = makeCertificate(name, authorityKey.get(), nullptr, authorityKey.get(), 1, "");
-    const auto key = makeKey();
-    const bool isAddress = std::isdigit(static_cast<unsigned char>(host.front())) != 0;
-    const auto server = makeCertificate(host, key.get(), authority.get(), authorityKey.get(), validDays,
-                                        (isAddress ? "IP:" : "DNS:") + host);
-    return std::make_shared<Certificates>(
-        pem([&](BIO* memory) { PEM_write_bio_X509(memory, authority.get()); }),
-        pem([&](BIO* memory) { PEM_write_bio_X509(memory, server.get()); }), pem([&](BIO* memory) {
-            PEM_write_bio_PrivateKey(memory, key.get(), nullptr, nullptr, 0, nullptr, nullptr);
-        }));
-}
-
-Certificates::Certificates(std::string authorityText, std::string certificateText, std::string keyText)
-    : authority(std::move(authorityText)), certificate(std::move(certificateText)), key(std::move(keyText)) {
-    static const TemporaryDirectory folder;
-    static std::atomic<int> count = 0;
-    authorityFile_ = (folder / ("authority-" + std::to_string(count++) + ".pem")).string();
-    if (!platform::FileManager::write(authorityFile_, authority)) std::abort();
 }
 
 /// Shared with the threads of the connections.

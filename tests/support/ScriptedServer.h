@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/Certificates.h"
+
 #include <chrono>
 #include <functional>
 #include <map>
@@ -32,25 +34,6 @@ struct Script {
 
     /// A well-formed answer.
     static Script answer(int status, std::string_view body, std::string_view moreHeaders = {});
-};
-
-/// A certificate authority and a server certificate, made for this process.
-class Certificates {
-public:
-    /// For a host name or an IPv4 address; `validDays` may be negative.
-    static std::shared_ptr<Certificates> makeFor(const std::string& host, int validDays = 1);
-
-    Certificates(std::string authority, std::string certificate, std::string key);
-
-    /// The file of the authority, for the client to trust.
-    [[nodiscard]] const std::string& authorityFile() const { return authorityFile_; }
-
-    const std::string authority;
-    const std::string certificate;
-    const std::string key;
-
-private:
-    std::string authorityFile_;
 };
 
 /// An HTTP server on an ephemeral port of 127.0.0.1 that does what it is told, well-formed or not. It records
