@@ -16,6 +16,7 @@
 #include "platform/CallOut.h"
 #include "platform/Clock.h"
 #include "platform/MainQueue.h"
+#include "platform/UserDefaults.h"
 
 #include <chrono>
 #include <utility>
@@ -58,32 +59,48 @@ void AdRequest::send() {
 }
 
 void AdRequest::onAnswer(const std::shared_ptr<VLSuggestionListDirectResponseModel>& answer) {
-    replaceFinalStates(*answer);
-    if (const auto user = platform::asString(answer->velmoraUserId)) VLDefaults::setVelmoraUserId(user);
-    if (platform::asBool(answer->selectDirectAdRandomly)) answer->shuffleSuggestions();
+    const auto cacheType = options_->getCacheTypeNumber();
+    Suggestion suggestion;
+    std::shared_ptr<VelmoraAd> streamed;
+    {
+        const platform::UserDefaults::Batch batch(platform::UserDefaults::standard());
+        replaceFinalStates(*answer);
+        if (const auto user = platform::asString(answer->velmoraUserId)) VLDefaults::setVelmoraUserId(user);
+        suggestion = choose(answer);
+        if (suggestion && cacheType == kStreamed) streamed = storeStreamed(suggestion);
+    }
+    if (!suggestion) return callOnNoAdAvailable();
+    if (streamed) {
+        callOnAdAvailable(streamed);
+        return armExpiry(streamed, suggestion);
+    }
+    if (cacheType == kCached) return offerDownloaded(suggestion);
+    callOnError("Unsupported cache type.");
+}
 
+AdRequest::Suggestion AdRequest::choose(const std::shared_ptr<VLSuggestionListDirectResponseModel>& answer) {
+    if (platform::asBool(answer->selectDirectAdRandomly)) answer->shuffleSuggestions();
     const auto suggestion = VelmoraManager::getMostSuitableAdInSuggestionList(answer);
     if (!suggestion) {
         VLLog("Suitable ad not found :(");
-        return callOnNoAdAvailable();
+        return nullptr;
     }
     VLLog("Suitable ad found");
     suggestion->reportAdIsFilled();
-    if (!suggestion->creative || !suggestion->creative->ctaType) return callOnNoAdAvailable();
-    offer(suggestion);
+    return suggestion->creative && suggestion->creative->ctaType ? suggestion : nullptr;
+}
+
+std::shared_ptr<VelmoraAd> AdRequest::storeStreamed(const Suggestion& suggestion) const {
+    VLLog("Streamed no need to download");
+    auto ad = makeAd(suggestion, std::nullopt);
+    VLDefaults::cacheNewAd(ad);
+    return ad;
 }
 
 void AdRequest::onFailure(const VLClientError& error) const {
     const auto domain = error.error ? std::optional(error.error->domain) : std::nullopt;
     callOnError(
         formatLogLine("Error fetching data from server, code:%li ,error:%@", {error.responseCode(), domain}));
-}
-
-void AdRequest::offer(const Suggestion& suggestion) {
-    const auto cacheType = options_->getCacheTypeNumber();
-    if (cacheType == kCached) return offerDownloaded(suggestion);
-    if (cacheType == kStreamed) return offerStreamed(suggestion);
-    callOnError("Unsupported cache type.");
 }
 
 void AdRequest::offerDownloaded(const Suggestion& suggestion) {
@@ -100,14 +117,6 @@ void AdRequest::offerDownloaded(const Suggestion& suggestion) {
             self->options_->setCacheType(kStreamed);
             self->offerThenStore(suggestion, std::nullopt);
         });
-}
-
-void AdRequest::offerStreamed(const Suggestion& suggestion) {
-    VLLog("Streamed no need to download");
-    const auto ad = makeAd(suggestion, std::nullopt);
-    VLDefaults::cacheNewAd(ad);
-    callOnAdAvailable(ad);
-    armExpiry(ad, suggestion);
 }
 
 void AdRequest::offerThenStore(const Suggestion& suggestion,

@@ -37,10 +37,12 @@ private:
     void onAnswer(const std::shared_ptr<VLSuggestionListDirectResponseModel>& answer);
     void onFailure(const VLClientError& error) const;
 
-    /// Offers the ad as the options say.
-    void offer(const Suggestion& suggestion);
+    /// Null when there is none to offer.
+    [[nodiscard]] static Suggestion
+    choose(const std::shared_ptr<VLSuggestionListDirectResponseModel>& answer);
+    /// A streamed ad is stored before it is offered, a cached one after.
+    [[nodiscard]] std::shared_ptr<VelmoraAd> storeStreamed(const Suggestion& suggestion) const;
     void offerDownloaded(const Suggestion& suggestion);
-    void offerStreamed(const Suggestion& suggestion);
     [[nodiscard]] std::shared_ptr<VelmoraAd> makeAd(const Suggestion& suggestion,
                                                     const std::optional<std::string>& videoFilePath) const;
     void offerThenStore(const Suggestion& suggestion, const std::optional<std::string>& videoFilePath);

@@ -57,6 +57,20 @@ public:
     void setBool(bool value, std::string_view forKey);
     void removeObjectForKey(std::string_view key);
 
+    /// Makes one of the writes of this thread, from construction to destruction: the file gets all of them at
+    /// once, or none when the process ends in between. The calls of other threads wait for the end, so that
+    /// nothing slow and nothing foreign belongs in there, nor another batch.
+    class Batch {
+    public:
+        explicit Batch(UserDefaults& defaults);
+        ~Batch();
+        Batch(const Batch&) = delete;
+        Batch& operator=(const Batch&) = delete;
+
+    private:
+        Database& database_;
+    };
+
 private:
     std::unique_ptr<Database> database_;
 };

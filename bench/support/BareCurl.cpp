@@ -36,6 +36,7 @@ std::string BareCurl::post(const std::string& url, const std::string& body, cons
     curl_slist* list = nullptr;
     for (const auto& header : headers) list = curl_slist_append(list, header.c_str());
     curl_easy_setopt(handle, CURLOPT_HTTPHEADER, list);
+    curl_easy_setopt(handle, CURLOPT_ACCEPT_ENCODING, "");
     curl_easy_setopt(handle, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
     curl_easy_setopt(handle, CURLOPT_POSTFIELDS, body.data());
     curl_multi_add_handle(multi_, handle);

@@ -142,10 +142,49 @@ int salvage(const sqlite::Connection& from, const sqlite::Connection& into) {
 
 }  // namespace
 
+class VELMORA_THREAD_ANNOTATION(scoped_lockable) Database::Turn {
+public:
+    explicit Turn(Database& database) VELMORA_THREAD_ANNOTATION(acquire_capability(database.mutex_))
+        : database_(database) {
+        database_.mutex_.lock();
+        while (database_.owner_ && database_.owner_ != std::this_thread::get_id())
+            database_.committed_.wait(database_.mutex_);
+    }
+
+    ~Turn() VELMORA_THREAD_ANNOTATION(release_capability()) { database_.mutex_.unlock(); }
+
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+private:
+    Database& database_;
+};
+
 Database::Database(fs::path file) : file_(std::move(file)) {}
 
+void Database::begin() {
+    const Turn turn(*this);
+    owner_ = std::this_thread::get_id();
+    // What fails here is told by the writes, each for itself then.
+    const auto end = Steady::now() + kLongestWait;
+    if (ensureOpen(end) != SQLITE_OK) return;
+    sqlite3_busy_timeout(opened_->connection.get(), leftUntil(end));
+    static_cast<void>(sqlite::step(opened_->begin));
+}
+
+void Database::commit() {
+    const Turn turn(*this);
+    owner_.reset();
+    committed_.notify_all();
+    if (!opened_ || sqlite3_get_autocommit(opened_->connection.get()) != 0) return;
+    const auto code = sqlite::step(opened_->commit);
+    if (code == SQLITE_OK) return;
+    log("The stored state cannot be written: " + file_.string() + ": " + sqlite3_errstr(code));
+    static_cast<void>(sqlite::run(opened_->connection, "ROLLBACK"));
+}
+
 bool Database::get(std::string_view key, const std::function<void(std::string_view value)>& take) {
-    const MutexLock lock(mutex_);
+    const Turn turn(*this);
     return perform("read", [&](const Opened& opened) {
         sqlite::bind(opened.get, 1, key);
         return sqlite::step(opened.get, [&] { take(sqlite::column(opened.get, 0)); });
@@ -153,7 +192,7 @@ bool Database::get(std::string_view key, const std::function<void(std::string_vi
 }
 
 bool Database::has(std::string_view key) {
-    const MutexLock lock(mutex_);
+    const Turn turn(*this);
     bool found = false;
     perform("read", [&](const Opened& opened) {
         sqlite::bind(opened.has, 1, key);
@@ -163,7 +202,7 @@ bool Database::has(std::string_view key) {
 }
 
 void Database::set(std::string_view key, std::string_view value) {
-    const MutexLock lock(mutex_);
+    const Turn turn(*this);
     perform("written", [&](const Opened& opened) {
         sqlite::bind(opened.set, 1, key);
         sqlite::bind(opened.set, 2, value);
@@ -172,7 +211,7 @@ void Database::set(std::string_view key, std::string_view value) {
 }
 
 void Database::remove(std::string_view key) {
-    const MutexLock lock(mutex_);
+    const Turn turn(*this);
     perform("written", [&](const Opened& opened) {
         sqlite::bind(opened.remove, 1, key);
         return sqlite::step(opened.remove);
@@ -282,6 +321,8 @@ Code Database::connect(const std::string& name, int flags, Time end, Opened& ope
     add("SELECT 1 FROM defaults WHERE key = ?1", opened.has);
     add("REPLACE INTO defaults(key, value) VALUES(?1, ?2)", opened.set);
     add("DELETE FROM defaults WHERE key = ?1", opened.remove);
+    add("BEGIN IMMEDIATE", opened.begin);
+    add("COMMIT", opened.commit);
     return code;
 }
 

@@ -4,11 +4,13 @@
 #include "platform/desktop/Sqlite.h"
 
 #include <chrono>
+#include <condition_variable>
 #include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <thread>
 
 namespace velmora::platform {
 
@@ -29,6 +31,11 @@ public:
     void set(std::string_view key, std::string_view value);
     void remove(std::string_view key);
 
+    /// From here to `commit` the writes of this thread are one: the file gets them at once. Other threads
+    /// wait for the end. Where no transaction can begin, each write stands for itself. They do not nest.
+    void begin();
+    void commit();
+
     static constexpr std::chrono::milliseconds kLongestWait{250};
 
 private:
@@ -48,8 +55,13 @@ private:
         sqlite::Statement has;
         sqlite::Statement set;
         sqlite::Statement remove;
+        sqlite::Statement begin;
+        sqlite::Statement commit;
         bool forReadingOnly = false;
     };
+
+    /// Holds the mutex, once no other thread has a transaction open.
+    class Turn;
 
     /// Runs one of the statements on the open file; `what` says in the past tense what was asked for. False
     /// when it failed.
@@ -64,6 +76,9 @@ private:
 
     const std::filesystem::path file_;
     Mutex mutex_;
+    std::condition_variable_any committed_;
+    /// Who has a transaction open.
+    std::optional<std::thread::id> owner_ VELMORA_GUARDED_BY(mutex_);
     std::optional<Opened> opened_ VELMORA_GUARDED_BY(mutex_);
     /// The file that was opened last, or was tried.
     Identity tried_ VELMORA_GUARDED_BY(mutex_);

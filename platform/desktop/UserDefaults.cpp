@@ -18,6 +18,10 @@ UserDefaults::UserDefaults(std::filesystem::path file)
 
 UserDefaults::~UserDefaults() = default;
 
+UserDefaults::Batch::Batch(UserDefaults& defaults) : database_(*defaults.database_) { database_.begin(); }
+
+UserDefaults::Batch::~Batch() { database_.commit(); }
+
 std::optional<Value> UserDefaults::objectForKey(std::string_view key, Storage storage) {
     return lookUp(key, std::move(storage)).value;
 }
