@@ -59,18 +59,26 @@ TextLayout::TextLayout(const QString& text, const TextAttributeDictionary& attri
       style_(attributes.paragraphStyle.value_or(ParagraphStyle{})),
       font_(attributes.font.value_or(fontWithoutAttribute())),
       width_(std::min(room.width(), kUnbounded)) {
-    const int limit = linesThatFit(room.height(), numberOfLines);
     auto whole = text;
     whole.replace(QLatin1Char('\n'), QChar::LineSeparator);
+    int limit = numberOfLines > 0 ? numberOfLines : std::numeric_limits<int>::max();
     breakIntoLines(whole, limit, false);
+    // Lines differ in height where fonts stand in for each other, so that only these lines tell how many fit.
+    if (const int fitting = linesWithin(room.height()); fitting < layout_.lineCount()) {
+        limit = fitting;
+        breakIntoLines(whole, limit, false);
+    }
     if (const auto cut = truncated(whole)) breakIntoLines(*cut, limit, true);
     align();
 }
 
-int TextLayout::linesThatFit(qreal height, int numberOfLines) const {
-    const int limit = numberOfLines > 0 ? numberOfLines : std::numeric_limits<int>::max();
-    const auto fitting = height / QFontMetricsF(font_).height();
-    return fitting < limit ? std::max(1, static_cast<int>(fitting)) : limit;
+int TextLayout::linesWithin(qreal height) const {
+    int count = std::min(1, layout_.lineCount());
+    for (; count < layout_.lineCount(); ++count) {
+        const auto next = layout_.lineAt(count);
+        if (next.y() + next.height() > height) break;
+    }
+    return count;
 }
 
 void TextLayout::breakIntoLines(const QString& text, int limit, bool lastIsCut) {

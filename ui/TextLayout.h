@@ -35,7 +35,7 @@ private:
     /// One colour for everything instead of the attributes' own.
     using Override = std::optional<QColor>;
 
-    int linesThatFit(qreal height, int numberOfLines) const;
+    int linesWithin(qreal height) const;
     void breakIntoLines(const QString& text, int limit, bool lastIsCut);
     /// The text with an ellipsis in its last line; none when it has room as it is.
     std::optional<QString> truncated(const QString& text) const;
