@@ -20,6 +20,10 @@ std::string percentEncoded(std::string_view text, UrlCharacters allowed) {
     return urls::encode({text.data(), text.size()}, unchanged);
 }
 
+bool isUrl(std::string_view text) {
+    return !text.empty() && urls::parse_uri_reference({text.data(), text.size()}).has_value();
+}
+
 std::optional<std::vector<UrlQueryItem>> queryItems(std::string_view url) {
     const auto parsed = urls::parse_uri_reference({url.data(), url.size()});
     if (!parsed || !parsed->has_query()) return std::nullopt;

@@ -16,6 +16,10 @@ enum class UrlCharacters {
 
 [[nodiscard]] std::string percentEncoded(std::string_view text, UrlCharacters allowed);
 
+/// Whether it is a URL, or a reference to one, as RFC 3986 has it: a space or a letter beyond ASCII makes it
+/// none.
+[[nodiscard]] bool isUrl(std::string_view text);
+
 /// One name=value pair of a URL's query, percent-decoded. The value is absent where the pair has no "=".
 struct UrlQueryItem {
     std::string name;

@@ -21,4 +21,12 @@ inline bool runUntil(const std::function<bool()>& done,
     return done();
 }
 
+/// Runs what has been given to the event loop so far, and what that gives to it.
+inline void settle() {
+    for (int turn = 0; turn < 5; ++turn) {
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+}
+
 }  // namespace velmora::test
