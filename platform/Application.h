@@ -32,6 +32,9 @@ class Application {
 public:
     Application() = delete;
 
+    /// Whether there is an application that widgets can be shown in: none of ours may be made without it.
+    [[nodiscard]] static bool hasScreen();
+
     /// The controller of the application's active window, or of another visible one when none is active; made
     /// on first use, and the same one for the same window. Null when the application shows no window, unless
     /// one was set.

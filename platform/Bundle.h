@@ -29,8 +29,8 @@ public:
     [[nodiscard]] Property infoValue(std::string_view key) const;
 
     /// Where a resource file of the library lies, whether or not it exists: in the folder that
-    /// `VELMORA_RESOURCES` names, else in `velmora` under the data folder of the installation that this
-    /// library file belongs to.
+    /// `VELMORA_RESOURCES` names, else in `share/velmora` beside this library file if that is a folder (so it
+    /// is in a build tree), else in `velmora` under the data folder of the installation it belongs to.
     [[nodiscard]] static std::filesystem::path resourcePath(std::string_view name);
 
 private:

@@ -101,6 +101,10 @@ public:
 
     [[nodiscard]] static UrlSession& shared();
 
+    /// Says that a request is being put together, so that the session is awake when it comes. Costs little,
+    /// and nothing when none comes.
+    static void expectRequest();
+
     /// Prepares `request`; nothing is sent before the task's `resume()`. A task that is dropped goes on.
     ///
     /// A body beyond 64 MiB, as it is after decoding, ends the exchange in an error.

@@ -75,8 +75,10 @@ protected:
     /// Whenever the view has got its size, and before it first appears.
     virtual void viewDidLayoutSubviews() {}
 
-    /// Children of containers.
+    /// Children of containers. A child leaves the parent it had.
     void addChildViewController(const std::shared_ptr<ViewController>& child);
+    /// Of all children's views only that one is in this view, and fills it.
+    void showOnly(const std::shared_ptr<ViewController>& child);
     [[nodiscard]] const std::vector<std::shared_ptr<ViewController>>& childViewControllers() const;
 
 private:

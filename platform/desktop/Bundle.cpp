@@ -68,8 +68,11 @@ std::filesystem::path Bundle::resourcePath(std::string_view name) {
     }
     Dl_info library{};
     if (dladdr(reinterpret_cast<const void*>(&Bundle::resourcePath), &library) == 0) return name;
-    return std::filesystem::path(library.dli_fname).parent_path() / VELMORA_DATA_FROM_LIBRARY / "velmora" /
-           name;
+    const auto folder = std::filesystem::path(library.dli_fname).parent_path();
+    std::error_code error;
+    if (const auto built = folder / "share" / "velmora"; std::filesystem::is_directory(built, error))
+        return built / name;
+    return folder / VELMORA_DATA_FROM_LIBRARY / "velmora" / name;
 }
 
 }  // namespace velmora::platform

@@ -14,11 +14,15 @@ namespace velmora::platform {
 
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 constexpr std::chrono::milliseconds kIdleTimeout{60'000};
 constexpr std::chrono::milliseconds kLongestSleep{std::chrono::hours(1)};
 constexpr std::chrono::milliseconds kPatienceAtTheEnd{1000};
-/// How long after an exchange its connection is likely to be open still.
+/// How long after an exchange another one is likely.
 constexpr std::chrono::seconds kKeptWarm{15};
+/// How long a request takes to be put together, at most.
+constexpr std::chrono::microseconds kLinger{100};
 constexpr std::size_t kMostHeldBack = 64;
 constexpr long kKeptConnections = 64;
 
@@ -50,17 +54,20 @@ void CurlLoop::submit(Transfer transfer) {
         return;
     }
     submitted_.push_back(std::move(transfer));
+    anySubmitted_ = true;
     if (receiving_) {
         // A wake-up costs a system call, which a burst of submissions needs once.
         if (maySleep_.exchange(false)) curl_multi_wakeup(multi_);
         return;
     }
-    if (mayStartHere()) receive(&CurlLoop::start);
     changed_.notify_one();
 }
 
-bool CurlLoop::mayStartHere() const {
-    return !anyInFlight_ && submitted_.size() == 1 && std::chrono::steady_clock::now() < warmUntil_;
+void CurlLoop::expect() {
+    const MutexLock lock(mutex_);
+    if (receiving_ || anyInFlight_ || Clock::now() >= warmUntil_) return;
+    expecting_ = true;
+    changed_.notify_one();
 }
 
 void CurlLoop::deliver(std::function<void()> work) {
@@ -73,11 +80,11 @@ void CurlLoop::leave() {
     leaving_ = true;
     changed_.notify_all();
     curl_multi_wakeup(multi_);
-    const auto end = std::chrono::steady_clock::now() + kPatienceAtTheEnd;
+    const auto end = Clock::now() + kPatienceAtTheEnd;
     const auto isBusy = [this]() VELMORA_REQUIRES(mutex_) {
         return receiving_ || (completing_ && completing_ != std::this_thread::get_id());
     };
-    while (isBusy() && std::chrono::steady_clock::now() < end) changed_.wait_until(mutex_, end);
+    while (isBusy() && Clock::now() < end) changed_.wait_until(mutex_, end);
     if (receiving_) return;
     for (auto& [handle, flight] : flights_) flight.transfer->dropFile();
 }
@@ -105,6 +112,8 @@ void CurlLoop::work() {
             complete();
         } else if (!leaving_ && mustReceive()) {
             receive(&CurlLoop::turn);
+        } else if (!leaving_ && !receiving_ && expecting_) {
+            receive(&CurlLoop::linger);
         } else {
             changed_.wait(mutex_);
         }
@@ -115,12 +124,13 @@ bool CurlLoop::mustReceive() const { return !receiving_ && (anyInFlight_ || !sub
 
 void CurlLoop::receive(void (CurlLoop::*what)()) {
     receiving_ = true;
+    expecting_ = false;
     mutex_.unlock();
     callOut("the network loop", [&] { (this->*what)(); });
     mutex_.lock();
     receiving_ = false;
     anyInFlight_ = !flights_.empty();
-    if (landedAny_) warmUntil_ = std::chrono::steady_clock::now() + kKeptWarm;
+    if (landedAny_) warmUntil_ = Clock::now() + kKeptWarm;
     landedAny_ = false;
     if (leaving_) changed_.notify_all();
 }
@@ -140,16 +150,17 @@ void CurlLoop::complete() {
     if (leaving_) changed_.notify_all();
 }
 
-void CurlLoop::start() {
-    takeIn();
-    int running = 0;
-    startedAny_ = false;
-    curl_multi_perform(multi_, &running);
+void CurlLoop::linger() {
+    const auto end = Clock::now() + kLinger;
+    while (!anySubmitted_ && !leaving_ && Clock::now() < end) std::this_thread::yield();
 }
 
 void CurlLoop::turn() {
     do {
-        start();
+        takeIn();
+        int running = 0;
+        startedAny_ = false;
+        curl_multi_perform(multi_, &running);
         endDone();
         endIdle();
         // What was started is sent off before completions run: the server works meanwhile. But completions
@@ -168,6 +179,7 @@ void CurlLoop::takeIn() {
     {
         const MutexLock lock(mutex_);
         submitted.swap(submitted_);
+        anySubmitted_ = false;
     }
     for (auto& transfer : submitted) takeIn(std::move(transfer));
 }
@@ -224,7 +236,7 @@ void CurlLoop::endDone() {
 }
 
 void CurlLoop::endIdle() {
-    const auto oldest = std::chrono::steady_clock::now() - idleTimeout.load();
+    const auto oldest = Clock::now() - idleTimeout.load();
     std::vector<CURL*> idle;
     for (const auto& [handle, flight] : flights_) {
         if (flight.transfer->lastActivity() < oldest) idle.push_back(handle);
@@ -235,8 +247,7 @@ void CurlLoop::endIdle() {
 void CurlLoop::sleep() {
     auto longest = kLongestSleep;
     for (const auto& [handle, flight] : flights_) {
-        const auto left =
-            flight.transfer->lastActivity() + idleTimeout.load() - std::chrono::steady_clock::now();
+        const auto left = flight.transfer->lastActivity() + idleTimeout.load() - Clock::now();
         longest = std::clamp(std::chrono::ceil<std::chrono::milliseconds>(left), {}, longest);
     }
     maySleep_ = true;

@@ -38,6 +38,10 @@ public:
     /// on the calling thread.
     void submit(std::shared_ptr<CurlTransfer> transfer);
 
+    /// A transfer is being put together: a thread wakes meanwhile, because that takes about as long. Any
+    /// thread.
+    void expect();
+
     /// Has `work` run where completions run; once the process leaves, drops it.
     void deliver(std::function<void()> work);
 
@@ -64,16 +68,13 @@ private:
     /// False when there is none. A second one that cannot start is tried again the next time.
     [[nodiscard]] bool startThreads() VELMORA_REQUIRES(mutex_);
     void work();
-    /// Whether the calling thread sends a transfer off itself, so that the server works while a thread wakes:
-    /// only one alone, and over a connection that is likely to be open, because opening one may take long.
-    [[nodiscard]] bool mayStartHere() const VELMORA_REQUIRES(mutex_);
     [[nodiscard]] bool mustReceive() const VELMORA_REQUIRES(mutex_);
     /// Does `what` in the role of the thread that receives.
     void receive(void (CurlLoop::*what)()) VELMORA_REQUIRES(mutex_);
     void complete() VELMORA_REQUIRES(mutex_);
 
-    /// Sends off what was submitted, as far as that goes without waiting.
-    void start();
+    /// Waits a moment for what is expected, without sleeping.
+    void linger();
     void turn();
     [[nodiscard]] bool mayHoldBack() const;
     void takeIn();
@@ -97,8 +98,10 @@ private:
     std::vector<std::thread::id> threads_ VELMORA_GUARDED_BY(mutex_);
     bool receiving_ VELMORA_GUARDED_BY(mutex_) = false;
     bool anyInFlight_ VELMORA_GUARDED_BY(mutex_) = false;
+    bool expecting_ VELMORA_GUARDED_BY(mutex_) = false;
     std::chrono::steady_clock::time_point warmUntil_ VELMORA_GUARDED_BY(mutex_);
     std::optional<std::thread::id> completing_ VELMORA_GUARDED_BY(mutex_);
+    std::atomic<bool> anySubmitted_ = false;
     std::atomic<bool> maySleep_ = false;
     std::atomic<bool> leaving_ = false;
 

@@ -24,15 +24,13 @@ std::optional<std::string> lineOf(const std::filesystem::path& file) {
 
 std::string textOf(const QUuid& uuid) { return uuid.toString(QUuid::WithoutBraces).toUpper().toStdString(); }
 
-}  // namespace
-
-std::optional<std::string> Device::machine() {
+std::optional<std::string> machineOfSystem() {
     utsname names{};
     if (::uname(&names) != 0) return std::nullopt;
     return std::string(names.machine);
 }
 
-std::optional<std::string> Device::identifierForVendor() {
+std::optional<std::string> makeVendorIdentifier() {
     auto machine = lineOf("/etc/machine-id");
     if (!machine) machine = lineOf("/var/lib/dbus/machine-id");
     if (!machine) return std::nullopt;
@@ -40,6 +38,19 @@ std::optional<std::string> Device::identifierForVendor() {
     static constexpr QUuid space(0x5a1f6c1e, 0x2b5d, 0x4c62, 0x9b, 0x0e, 0x3d, 0x6c, 0x8e, 0x41, 0x77, 0x2f);
     const auto seed = *machine + "\n" + Bundle::main().identifier().value_or(std::string());
     return textOf(QUuid::createUuidV5(space, QByteArray::fromStdString(seed)));
+}
+
+}  // namespace
+
+// Each request carries these two, and neither changes while the process runs.
+std::optional<std::string> Device::machine() {
+    static const auto machine = machineOfSystem();
+    return machine;
+}
+
+std::optional<std::string> Device::identifierForVendor() {
+    static const auto identifier = makeVendorIdentifier();
+    return identifier;
 }
 
 std::optional<std::string> Device::advertisingIdentifier() {

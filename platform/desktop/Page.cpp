@@ -1,5 +1,6 @@
 #include "platform/Page.h"
 
+#include "platform/Application.h"
 #include "platform/Immortal.h"
 #include "platform/Log.h"
 #include "platform/desktop/webpage/PageModule.h"
@@ -8,7 +9,7 @@
 
 #include <dlfcn.h>
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QPluginLoader>
 #include <QPointer>
 #include <QWidget>
@@ -28,7 +29,7 @@ namespace {
 class EmptyPage final : public Page {
 public:
     EmptyPage() {
-        if (qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr) widget_ = new QWidget;
+        if (Application::hasScreen()) widget_ = new QWidget;
     }
 
     ~EmptyPage() override {

@@ -9,13 +9,15 @@
 
 namespace velmora::test {
 
-/// Runs the application's event loop until `done`; false when that takes too long.
+/// Runs the event loop of the application object that there is until `done`; false when that takes too long.
 inline bool runUntil(const std::function<bool()>& done,
-                     std::chrono::seconds most = std::chrono::seconds(60)) {
-    QTimer bound;
-    bound.setSingleShot(true);
-    bound.start(most);
-    while (!done() && bound.isActive()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+                     std::chrono::milliseconds most = std::chrono::seconds(60)) {
+    // Wakes the loop, also for what happens outside of it.
+    QTimer tick;
+    tick.start(std::chrono::milliseconds(5));
+    const auto end = std::chrono::steady_clock::now() + most;
+    while (!done() && std::chrono::steady_clock::now() < end)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     return done();
 }
 

@@ -1,0 +1,264 @@
+#include "platform/ViewController.h"
+
+#include "platform/Application.h"
+#include "platform/MainQueue.h"
+#include "support/EventLoop.h"
+#include "support/LogCapture.h"
+#include "support/ManualClock.h"
+#include "support/TemporaryDirectory.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <QApplication>
+#include <QWidget>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace velmora::test {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+using platform::Application;
+using platform::NavigationController;
+using platform::TabBarController;
+using platform::ViewController;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using Events = std::vector<std::string>;
+
+int alive = 0;
+
+/// Notes what it is told.
+class Screen final : public ViewController {
+public:
+    Screen(std::string name, Events& events) : name_(std::move(name)), events_(events) { ++alive; }
+    ~Screen() override { --alive; }
+
+    std::uint32_t mask = platform::InterfaceOrientationMask::all;
+
+private:
+    [[nodiscard]] std::uint32_t supportedInterfaceOrientations() const override { return mask; }
+    void viewDidLoad() override { events_.push_back(name_ + " loaded"); }
+    void viewDidAppear(bool animated) override {
+        ViewController::viewDidAppear(animated);
+        events_.push_back(name_ + " appeared");
+    }
+    void viewDidLayoutSubviews() override {
+        if (view()->width() != laidOut_) events_.push_back(name_ + " laid out");
+        laidOut_ = view()->width();
+    }
+
+    const std::string name_;
+    Events& events_;
+    int laidOut_ = 0;
+};
+
+class Screens : public testing::Test {
+protected:
+    Screens() {
+        window_.resize(300, 200);
+        window_.show();
+    }
+
+    ~Screens() override {
+        // The window of the library is closed as a person would.
+        for (auto* window : QApplication::topLevelWidgets()) {
+            if (window != &window_) window->close();
+        }
+        window_.hide();
+        EXPECT_TRUE(runUntil([] { return alive == 0; }));
+    }
+
+    std::shared_ptr<Screen> screen(const std::string& name) {
+        return std::make_shared<Screen>(name, events_);
+    }
+
+    ViewController::Completion note(const std::string& what) {
+        return [this, what] { events_.push_back(what); };
+    }
+
+    bool heard(const std::string& what) {
+        return runUntil([&] { return !events_.empty() && events_.back() == what; });
+    }
+
+    static std::shared_ptr<ViewController> root() { return Application::rootViewController(); }
+
+    QWidget window_;
+    Events events_;
+};
+
+TEST_F(Screens, APresentedOneIsLoadedLaidOutMovedInAndThenAppears) {
+    const auto first = screen("a");
+    EXPECT_FALSE(first->isViewLoaded());
+    root()->presentViewController(first, true, note("done"));
+    EXPECT_EQ(first->presentingViewController(), root());
+    EXPECT_EQ(root()->presentedViewController(), first);
+    EXPECT_TRUE(heard("done"));
+    EXPECT_THAT(events_, ElementsAre("a loaded", "a laid out", "a appeared", "done"));
+    const auto size = Application::mainScreenSize();
+    EXPECT_EQ(first->view()->width(), size.width);
+    EXPECT_EQ(first->view()->height(), size.height);
+    EXPECT_TRUE(first->view()->isVisible());
+    EXPECT_NE(first->view()->window(), &window_);
+
+    first->dismissViewControllerAnimated(true, note("gone"));
+    EXPECT_TRUE(heard("gone"));
+    EXPECT_EQ(root()->presentedViewController(), nullptr);
+    EXPECT_FALSE(first->view()->isVisible());
+    first->dismissViewControllerAnimated(true, note("never"));
+    EXPECT_FALSE(runUntil([&] { return events_.back() == "never"; }, 400ms));
+}
+
+TEST_F(Screens, WhatComesDuringAnAnimationWaitsForItsEnd) {
+    const auto navigation = std::make_shared<NavigationController>(screen("a"));
+    const auto inside = navigation->viewControllers().front();
+    root()->presentViewController(navigation, true, note("1"));
+    inside->presentViewController(screen("b"), true, note("2"));
+    EXPECT_EQ(inside->presentedViewController(), nullptr);
+    EXPECT_TRUE(heard("2"));
+    const auto above = inside->presentedViewController();
+    EXPECT_EQ(above->presentingViewController(), inside);
+    EXPECT_EQ(inside->presentingViewController(), root());
+
+    // Away with one and at once another in its place.
+    above->dismissViewControllerAnimated(true, note("3"));
+    inside->presentViewController(screen("c"), false, note("4"));
+    EXPECT_TRUE(heard("4"));
+    EXPECT_THAT(events_, ElementsAre("a loaded", "a laid out", "a appeared", "1", "b loaded", "b laid out",
+                                     "b appeared", "2", "a appeared", "3", "c loaded", "c laid out",
+                                     "c appeared", "4"));
+    // From its bottom the whole stack goes, and what waits for a place in it comes to nothing.
+    root()->dismissViewControllerAnimated(true, note("5"));
+    inside->presentViewController(screen("d"), true, note("never"));
+    EXPECT_TRUE(heard("5"));
+    EXPECT_EQ(root()->presentedViewController(), nullptr);
+    EXPECT_EQ(events_.size(), 15U);
+}
+
+TEST_F(Screens, AnAnimationTakesTimeByTheClock) {
+    UseManualClock clock;
+    const auto one = screen("a");
+    root()->presentViewController(one, true, note("done"));
+    const auto height = one->view()->height();
+    EXPECT_EQ(one->view()->y(), height);
+    clock->advance(100ms);
+    EXPECT_TRUE(runUntil([&] { return one->view()->y() < height; }));
+    EXPECT_GT(one->view()->y(), 0);
+    EXPECT_EQ(events_.back(), "a laid out");
+    clock->advance(200ms);
+    EXPECT_TRUE(heard("done"));
+    EXPECT_EQ(one->view()->y(), 0);
+}
+
+TEST_F(Screens, ClosingTheWindowDismissesAllAndTellsNobody) {
+    const auto bottom = screen("a");
+    root()->presentViewController(bottom, false, note("1"));
+    EXPECT_TRUE(heard("1"));
+    bottom->presentViewController(screen("b"), true, note("never"));
+    bottom->view()->window()->close();
+    EXPECT_TRUE(runUntil([] { return alive == 1; }));
+    EXPECT_EQ(bottom->presentingViewController(), nullptr);
+    EXPECT_THAT(events_, testing::Not(testing::Contains("never")));
+    // The next one opens another window.
+    root()->presentViewController(bottom, false, note("2"));
+    EXPECT_TRUE(heard("2"));
+}
+
+TEST_F(Screens, CompletionsMayPresentDismissAndThrow) {
+    const LogCapture log;
+    auto first = screen("a");
+    root()->presentViewController(first, true, [&, weak = std::weak_ptr(first)] {
+        weak.lock()->dismissViewControllerAnimated(true, [&] {
+            root()->presentViewController(screen("b"), true, note("b is there"));
+            throw std::runtime_error("the completion's fault");
+        });
+    });
+    first.reset();
+    EXPECT_TRUE(heard("b is there"));
+    EXPECT_EQ(alive, 1);
+    EXPECT_TRUE(log.has("the completion's fault"));
+}
+
+TEST_F(Screens, ContainersAnswerForWhatTheyShow) {
+    const auto left = screen("left");
+    const auto right = screen("right");
+    right->mask = platform::InterfaceOrientationMask::portrait;
+    const auto tabs =
+        std::make_shared<TabBarController>(std::vector<std::shared_ptr<ViewController>>{left, right});
+    const auto navigation = std::make_shared<NavigationController>(tabs);
+    EXPECT_EQ(tabs->selectedViewController(), left);
+    tabs->setSelectedIndex(2);
+    EXPECT_EQ(tabs->selectedViewController(), left);
+    EXPECT_EQ(left->parentViewController(), tabs);
+    root()->presentViewController(navigation, false, note("done"));
+    EXPECT_TRUE(heard("done"));
+    EXPECT_TRUE(left->view()->isVisible());
+    tabs->setSelectedIndex(1);
+    EXPECT_EQ(navigation->supportedInterfaceOrientations(), platform::InterfaceOrientationMask::portrait);
+    EXPECT_FALSE(left->view()->isVisible());
+    EXPECT_EQ(right->view()->size(), navigation->view()->size());
+    right->removeFromParentViewController();
+    EXPECT_EQ(right->parentViewController(), nullptr);
+    EXPECT_THAT(tabs->viewControllers(), ElementsAre(left));
+}
+
+TEST_F(Screens, AThousandRoundsLeaveNothingBehind) {
+    int rounds = 0;
+    const std::function<void()> again = [&] {
+        if (++rounds == 1000) return;
+        root()->presentViewController(screen("a"), false,
+                                      [&] { root()->dismissViewControllerAnimated(false, again); });
+    };
+    again();
+    EXPECT_TRUE(runUntil([&] { return rounds == 1000; }));
+    EXPECT_TRUE(runUntil([] { return alive == 0; }));
+}
+
+TEST(Screen, WithoutAWindowThereIsNothingToPresentFrom) {
+    EXPECT_EQ(Application::rootViewController(), nullptr);
+    const LogCapture log;
+    Events events;
+    std::make_shared<Screen>("a", events)->presentViewController(std::make_shared<Screen>("b", events), true);
+    EXPECT_THAT(events, IsEmpty());
+}
+
+TEST(Application, AUrlIsOpenedByTheDesktopAsItStands) {
+    const TemporaryDirectory home;
+    const auto seen = home / "seen";
+    const auto applications = home / "applications";
+    std::filesystem::create_directories(applications);
+    const auto program = home / "opener";
+    std::ofstream(program) << "#!/bin/sh\nprintf '%s\\n' \"$@\" > '" << seen.string() << "'.new && mv '"
+                           << seen.string() << "'.new '" << seen.string() << "'\n";
+    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    std::ofstream(applications / "opener.desktop")
+        << "[Desktop Entry]\nType=Application\nName=Opener\nExec=" << program.string()
+        << " %u\nMimeType=x-scheme-handler/velmora-test;\n";
+    std::ofstream(applications / "mimeapps.list")
+        << "[Default Applications]\nx-scheme-handler/velmora-test=opener.desktop\n";
+    ::setenv("XDG_DATA_HOME", home.path().c_str(), 1);
+    ::setenv("XDG_CONFIG_HOME", home.path().c_str(), 1);
+
+    const std::string url = "velmora-test:a'b\"c$(touch%20x);d&e=%D8%A7|f";
+    EXPECT_FALSE(Application::canOpenUrl("no-such-scheme:x"));
+    EXPECT_FALSE(Application::canOpenUrl("no scheme"));
+    EXPECT_FALSE(Application::canOpenUrl(""));
+    ASSERT_TRUE(Application::canOpenUrl(url));
+    Application::openUrl(url);
+    EXPECT_TRUE(runUntil([&] { return std::filesystem::exists(seen); }));
+    std::string line;
+    std::getline(std::ifstream(seen), line);
+    EXPECT_EQ(line, url);
+}
+
+}  // namespace
+
+}  // namespace velmora::test

@@ -1,0 +1,107 @@
+#include "ui/VLActivityIndicatorView.h"
+
+#include "ui/Picture.h"
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+
+namespace velmora::test {
+
+namespace {
+
+QPointF center(const QWidget& widget) { return QRectF(widget.geometry()).center(); }
+
+/// Whole pixels are as near as a widget gets to a centre.
+void expectCenter(const QWidget& widget, QPointF expected) {
+    EXPECT_NEAR(center(widget).x(), expected.x(), 0.5);
+    EXPECT_NEAR(center(widget).y(), expected.y(), 0.5);
+}
+
+TEST(ActivityIndicatorView, ItIsHiddenUntilItIsStarted) {
+    QWidget window;
+    VLActivityIndicatorView view(QRect(0, 0, 100, 100), &window);
+    window.show();
+    EXPECT_FALSE(view.isVisible());
+
+    view.startAnimating();
+    EXPECT_TRUE(view.isVisible());
+    EXPECT_TRUE(view.spinner()->isVisible());
+    EXPECT_TRUE(view.textLabel()->isVisible());
+    EXPECT_TRUE(view.spinner()->isTurning());
+
+    view.stopAnimating();
+    EXPECT_FALSE(view.isVisible());
+    EXPECT_FALSE(view.spinner()->isAnimating());
+    EXPECT_FALSE(view.spinner()->isTurning());
+}
+
+TEST(ActivityIndicatorView, TheSpinnerCostsNothingWhileItsWindowIsGone) {
+    QWidget window;
+    VLActivityIndicatorView view(QRect(0, 0, 100, 100), &window);
+    view.startAnimating();
+    EXPECT_FALSE(view.spinner()->isTurning());
+    window.show();
+    EXPECT_TRUE(view.spinner()->isTurning());
+    window.hide();
+    EXPECT_FALSE(view.spinner()->isTurning());
+    EXPECT_TRUE(view.spinner()->isAnimating());
+}
+
+TEST(ActivityIndicatorView, TheSpinnerTurns) {
+    ActivityIndicator spinner;
+    spinner.startAnimating();
+    const auto first = drawn(spinner);
+    const QDeadlineTimer bound(10000);
+    while (drawn(spinner) == first && !bound.hasExpired()) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    EXPECT_NE(drawn(spinner), first);
+}
+
+TEST(ActivityIndicatorView, SpinnerAndCaptionLieWhereTheSizeHasThem) {
+    VLActivityIndicatorView view(QRect(30, 40, 100, 100));
+    view.startAnimating();
+    for (const auto& size : {QSize(100, 100), QSize(160, 220), QSize(75, 91)}) {
+        SCOPED_TRACE(testing::Message() << size.width() << " x " << size.height());
+        view.resize(size);
+        const double labelHeight = view.textLabel()->height();
+        expectCenter(*view.spinner(), {size.width() / 2.0, size.height() / 2.0 - 10});
+        expectCenter(*view.textLabel(), {size.width() / 2.0, size.height() - labelHeight / 2 - 10});
+    }
+}
+
+TEST(ActivityIndicatorView, TheCaptionIsWhiteOnARoundedDarkPanel) {
+    VLActivityIndicatorView view(QRect(0, 0, 100, 100));
+    EXPECT_EQ(view.textLabel()->text(), QString::fromUtf8("برقراری ارتباط..."));
+    EXPECT_EQ(view.textLabel()->text().size(), 17);
+    EXPECT_EQ(view.textLabel()->attributes().foregroundColor, QColor(Qt::white));
+    ASSERT_TRUE(view.textLabel()->attributes().font);
+    EXPECT_EQ(view.textLabel()->attributes().font->pixelSize(), 12);
+    EXPECT_GT(view.textLabel()->width(), 40);
+    EXPECT_LT(view.textLabel()->width(), 100);
+
+    view.startAnimating();
+    const auto image = drawn(view);
+    EXPECT_EQ(image.pixelColor(0, 0).alpha(), 0);
+    EXPECT_LT(image.pixelColor(2, 2).alpha(), 20) << "cut off by a radius of 10";
+    EXPECT_EQ(image.pixelColor(4, 4).alpha(), 230);
+    EXPECT_EQ(image.pixelColor(50, 2), QColor(0, 0, 0, 230));
+    EXPECT_GT(ink(drawn(*view.textLabel())), 50);
+}
+
+TEST(ActivityIndicatorView, WhatItHoldsIsMadeOnce) {
+    VLActivityIndicatorView view(QRect(0, 0, 100, 100));
+    const auto* spinner = view.spinner();
+    const auto* label = view.textLabel();
+    view.startAnimating();
+    EXPECT_EQ(view.spinner(), spinner);
+    EXPECT_EQ(view.textLabel(), label);
+    EXPECT_EQ(view.findChildren<QWidget*>().size(), 2);
+    EXPECT_EQ(spinner->parentWidget(), &view);
+}
+
+}  // namespace
+
+}  // namespace velmora::test

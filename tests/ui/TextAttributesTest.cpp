@@ -1,0 +1,210 @@
+#include "ui/VLTextAttributes.h"
+
+#include "platform/Bundle.h"
+#include "support/Environment.h"
+#include "support/TemporaryDirectory.h"
+#include "ui/VLRGBAColor.h"
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <memory>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include <QFontDatabase>
+#include <QFontInfo>
+#include <QGuiApplication>
+
+namespace velmora::test {
+
+namespace {
+
+constexpr ParagraphStyle kDefaultStyle{TextAlignment::right, WritingDirection::rightToLeft,
+                                       LineBreakMode::byTruncatingTail};
+constexpr ParagraphStyle kFunStyle{TextAlignment::center, WritingDirection::rightToLeft,
+                                   LineBreakMode::byWordWrapping};
+
+TEST(TextAttributes, EachStyleHasItsFontAndItsParagraphs) {
+    VLTextAttributes::loadBundleFonts();
+    const struct {
+        VLTextAttributes attributes;
+        const char* family;
+        int size;
+        ParagraphStyle style;
+    } cases[] = {
+        {VLTextAttributes::defaultTextAttributes(), "Web Yekan", 16, kDefaultStyle},
+        {VLTextAttributes::defaultTextAttributesWithFontSize(14.0), "Web Yekan", 14, kDefaultStyle},
+        {VLTextAttributes::funTextAttributes(), "Dast Nevis", 16, kFunStyle},
+        {VLTextAttributes::funTextAttributesWithFontSize(30.5), "Dast Nevis", 31, kFunStyle},
+    };
+
+    for (const auto& [attributes, family, size, style] : cases) {
+        SCOPED_TRACE(size);
+        const auto dictionary = attributes.attributes();
+        ASSERT_TRUE(dictionary.font);
+        EXPECT_EQ(QFontInfo(*dictionary.font).family(), family);
+        EXPECT_EQ(dictionary.font->pixelSize(), size);
+        EXPECT_EQ(dictionary, (TextAttributeDictionary{.font = dictionary.font, .paragraphStyle = style}));
+    }
+}
+
+TEST(TextAttributes, TheFontsAreRegisteredOnce) {
+    VLTextAttributes::loadBundleFonts();
+    ASSERT_TRUE(QFontDatabase::hasFamily("Web Yekan"));
+    ASSERT_TRUE(QFontDatabase::hasFamily("Dast Nevis"));
+    int changes = 0;
+    const auto watch = QObject::connect(qGuiApp, &QGuiApplication::fontDatabaseChanged, [&] { ++changes; });
+
+    VLTextAttributes::loadBundleFonts();
+    static_cast<void>(VLTextAttributes::defaultTextAttributes());
+
+    EXPECT_EQ(changes, 0);
+    QObject::disconnect(watch);
+}
+
+std::string fontsOfAFreshProcess() {
+    const std::unique_ptr<std::FILE, decltype(&pclose)> report(popen(VELMORA_FONT_REPORT, "r"), &pclose);
+    std::array<char, 200> line{};
+    return report && std::fgets(line.data(), line.size(), report.get()) != nullptr ? line.data() : "";
+}
+
+TEST(TextAttributes, TheFunStyleReliesOnOthersToLoadItsFont) {
+    EXPECT_EQ(fontsOfAFreshProcess(), "fun 0, then default 1, fun 1; added 2");
+}
+
+TEST(TextAttributes, FontsThatAreMissingOrBrokenLeaveNoEntry) {
+    const TemporaryDirectory folder;
+    const auto working = platform::Bundle::resourcePath("DastNevis.otf");
+    const Environment resources("VELMORA_RESOURCES", folder.path().c_str());
+    EXPECT_EQ(fontsOfAFreshProcess(), "fun 0, then default 0, fun 0; added 0");
+
+    std::ofstream(folder / "Yekan.ttf") << "no font";
+    std::filesystem::copy_file(working, folder / "DastNevis.otf");
+    EXPECT_EQ(fontsOfAFreshProcess(), "fun 0, then default 0, fun 1; added 1");
+}
+
+TEST(TextAttributes, SettersFillTheDictionary) {
+    const Shadow shadow{{1, 2}, 3, Qt::black};
+    VLTextAttributes attributes;
+    EXPECT_EQ(attributes.attributes(), TextAttributeDictionary{});
+
+    attributes.setBackgroundColor(QColor(Qt::red));
+    attributes.setForegroundColor(QColor(Qt::green));
+    attributes.setShadow(shadow);
+    attributes.setUnderlineStyle(9);
+    attributes.setStrokeColor(QColor(Qt::blue), -2.5);
+    attributes.setStyle(kFunStyle);
+
+    const TextAttributeDictionary expected{.font = std::nullopt,
+                                           .paragraphStyle = kFunStyle,
+                                           .backgroundColor = QColor(Qt::red),
+                                           .foregroundColor = QColor(Qt::green),
+                                           .underlineStyle = 9,
+                                           .shadow = shadow,
+                                           .strokeColor = QColor(Qt::blue),
+                                           .strokeWidth = -2.5F};
+    const auto copy = attributes.attributes();
+    EXPECT_EQ(copy, expected);
+
+    attributes.setForegroundColor(std::nullopt);
+    attributes.dictionary().underlineStyle = 1;
+    EXPECT_EQ(copy, expected) << "a copy does not follow";
+    EXPECT_FALSE(attributes.attributes().foregroundColor);
+    EXPECT_EQ(attributes.attributes().underlineStyle, 1);
+}
+
+TEST(TextAttributes, AFontSizeIsOneOfTheDefaultFont) {
+    VLTextAttributes::loadBundleFonts();
+    auto attributes = VLTextAttributes::funTextAttributes();
+
+    attributes.setFontSize(20);
+
+    ASSERT_TRUE(attributes.attributes().font);
+    EXPECT_EQ(attributes.attributes().font->family(), "Web Yekan");
+    EXPECT_EQ(attributes.attributes().font->pixelSize(), 20);
+    EXPECT_EQ(attributes.style(), kFunStyle);
+}
+
+TEST(TextAttributes, SizesThatNoFontHasAreTheNearest) {
+    VLTextAttributes attributes;
+    VLTextAttributes::loadBundleFonts();
+    for (const auto& [size, pixels] :
+         {std::pair{0.0, 1}, {-5.0, 1}, {std::numeric_limits<double>::quiet_NaN(), 1}, {1e300, 1000}}) {
+        SCOPED_TRACE(size);
+        attributes.setFontSize(size);
+        EXPECT_EQ(attributes.attributes().font->pixelSize(), pixels);
+    }
+}
+
+TEST(TextAttributes, ModeAndAlignmentCarryDifferentThingsOver) {
+    using enum LineBreakMode;
+    const auto style = [](auto start, const auto& change) {
+        change(start);
+        return start.style();
+    };
+    const auto usual = VLTextAttributes::defaultTextAttributes();
+    constexpr auto rightToLeft = WritingDirection::rightToLeft;
+    VLTextAttributes leftToRight;
+    leftToRight.setStyle(ParagraphStyle{TextAlignment::left, WritingDirection::leftToRight, byClipping});
+
+    EXPECT_EQ(style(usual, [](auto& it) { it.setAlignment(TextAlignment::center); }),
+              (ParagraphStyle{TextAlignment::center, rightToLeft, byTruncatingTail}));
+    EXPECT_EQ(style(usual, [](auto& it) { it.setLineBreakMode(byWordWrapping); }),
+              (ParagraphStyle{TextAlignment::right, rightToLeft, byWordWrapping}));
+    EXPECT_EQ(style(VLTextAttributes(), [](auto& it) { it.setLineBreakMode(byCharWrapping); }),
+              (ParagraphStyle{TextAlignment::natural, rightToLeft, byCharWrapping}));
+    EXPECT_EQ(style(VLTextAttributes(), [](auto& it) { it.setAlignment(TextAlignment::left); }),
+              (ParagraphStyle{TextAlignment::left, rightToLeft, byTruncatingTail}));
+    EXPECT_EQ(style(leftToRight, [](auto& it) { it.setLineBreakMode(byTruncatingHead); }),
+              (ParagraphStyle{TextAlignment::left, WritingDirection::leftToRight, byTruncatingHead}));
+    EXPECT_EQ(style(leftToRight, [](auto& it) { it.setAlignment(TextAlignment::right); }),
+              (ParagraphStyle{TextAlignment::right, WritingDirection::leftToRight, byTruncatingTail}));
+    EXPECT_EQ(style(usual,
+                    [](auto& it) {
+                        it.setLineBreakMode(byWordWrapping);
+                        it.setAlignment(TextAlignment::center);
+                    }),
+              (ParagraphStyle{TextAlignment::center, rightToLeft, byTruncatingTail}));
+    EXPECT_EQ(style(usual,
+                    [](auto& it) {
+                        it.setAlignment(TextAlignment::center);
+                        it.setLineBreakMode(byWordWrapping);
+                    }),
+              (ParagraphStyle{TextAlignment::center, rightToLeft, byWordWrapping}));
+}
+
+TEST(TextAttributes, TheEnumerationsHaveTheNumbersThatAreStored) {
+    EXPECT_EQ(static_cast<int>(TextAlignment::left), 0);
+    EXPECT_EQ(static_cast<int>(TextAlignment::center), 1);
+    EXPECT_EQ(static_cast<int>(TextAlignment::right), 2);
+    EXPECT_EQ(static_cast<int>(WritingDirection::rightToLeft), 1);
+    EXPECT_EQ(static_cast<int>(LineBreakMode::byWordWrapping), 0);
+    EXPECT_EQ(static_cast<int>(LineBreakMode::byTruncatingTail), 4);
+}
+
+TEST(Color, ChannelsCountTo255AndAlphaTo1) {
+    EXPECT_EQ(colorWithR(255, 255, 255, 1.0), QColor(Qt::white));
+    const auto grey = colorWithR(132, 133, 134, 0.5);
+    EXPECT_EQ(grey.red(), 132);
+    EXPECT_EQ(grey.green(), 133);
+    EXPECT_EQ(grey.blue(), 134);
+    EXPECT_NEAR(grey.alphaF(), 0.5, 1e-4);
+}
+
+TEST(Color, ValuesBeyondTheirRangeStayDrawable) {
+    const auto bright = colorWithR(510, 0, std::numeric_limits<unsigned int>::max(), 1.0);
+    ASSERT_TRUE(bright.isValid());
+    EXPECT_FLOAT_EQ(bright.redF(), 2.0F);
+    EXPECT_EQ(bright.rgba(), qRgba(255, 0, 255, 255));
+    EXPECT_EQ(colorWithR(1, 2, 3, 7.0).alphaF(), 1.0F);
+    EXPECT_EQ(colorWithR(1, 2, 3, -1.0).alphaF(), 0.0F);
+    EXPECT_EQ(colorWithR(1, 2, 3, std::numeric_limits<double>::quiet_NaN()).alphaF(), 0.0F);
+}
+
+}  // namespace
+
+}  // namespace velmora::test
