@@ -20,6 +20,13 @@ enum class UrlCharacters {
 /// none.
 [[nodiscard]] bool isUrl(std::string_view text);
 
+/// What stands before the first colon, as it is written; empty where that is no scheme.
+[[nodiscard]] std::string_view urlScheme(std::string_view url);
+
+/// The host of an absolute URL as it is written, without user and port. Absent where there is no "//" after
+/// the scheme; what follows the host need not be well-formed.
+[[nodiscard]] std::optional<std::string_view> urlHost(std::string_view url);
+
 /// One name=value pair of a URL's query, percent-decoded. The value is absent where the pair has no "=".
 struct UrlQueryItem {
     std::string name;

@@ -11,7 +11,7 @@ namespace velmora::test {
 
 /// Runs the event loop of the application object that there is until `done`; false when that takes too long.
 inline bool runUntil(const std::function<bool()>& done,
-                     std::chrono::milliseconds most = std::chrono::seconds(30)) {
+                     std::chrono::milliseconds most = std::chrono::seconds(60)) {
     // Wakes the loop, also for what happens outside of it.
     QTimer tick;
     tick.start(std::chrono::milliseconds(5));
