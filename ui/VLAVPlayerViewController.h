@@ -35,6 +35,8 @@ class VLAVPlayerViewController : public platform::ViewController, public platfor
 public:
     VLAVPlayerViewController(std::shared_ptr<VLAdShowOptions> options, VLCreativeType forCreativeType);
     ~VLAVPlayerViewController() override;
+    VLAVPlayerViewController(const VLAVPlayerViewController&) = delete;
+    VLAVPlayerViewController& operator=(const VLAVPlayerViewController&) = delete;
 
     void setUrlString(std::optional<std::string> url) { urlString = std::move(url); }
     void setVideoFilePath(std::optional<std::string> path) { videoFilePath = std::move(path); }

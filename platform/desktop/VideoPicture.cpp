@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 
 #include <QTransform>
 
@@ -101,7 +102,9 @@ const Layout* layoutOf(QVideoFrameFormat::PixelFormat format) {
 
 void drawPlanes(const QVideoFrame& frame, const Layout& layout, QImage& picture) {
     const auto weights = weightsOf(frame.surfaceFormat());
-    const auto line = [&](int plane, int y) { return frame.bits(plane) + y * frame.bytesPerLine(plane); };
+    const auto line = [&](int plane, int y) {
+        return frame.bits(plane) + std::ptrdiff_t{y} * frame.bytesPerLine(plane);
+    };
     for (int y = 0; y < frame.height(); ++y) {
         const Line planes{.luma = line(0, y),
                           .u = line(layout.planeOfU, y / 2) + layout.offsetOfU,

@@ -1,26 +1,12 @@
-#include "ui/VLAVPlayerViewController.h"
+#include "ui/PlayerScreen.h"
 
-#include "support/EventLoop.h"
-#include "support/LogCapture.h"
-#include "support/ManualClock.h"
-#include "support/ScriptedPlayer.h"
-#include "ui/ImageButton.h"
-#include "ui/Label.h"
-#include "ui/VLAVPlayerViewControllerDelegate.h"
 #include "ui/VLActivityIndicatorView.h"
-#include "ui/VLSimpleProgressView.h"
-#include <velmora/VLAdShowOptions.h>
 
-#include <cmath>
 #include <functional>
-#include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
-#include <QTest>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace velmora::test {
 
@@ -31,116 +17,6 @@ using namespace std::chrono_literals;
 using platform::PlayerStatus;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-using Calls = std::vector<std::string>;
-
-constexpr auto kUrl = "https://media.example/ad.mp4";
-
-/// Writes down what it is told, in its order.
-class Told final : public VLAVPlayerViewControllerDelegate {
-public:
-    using Url = std::optional<std::string>;
-
-    void vlAVPlayerViewControllerDidReachEndOfVideoWithUrl(VLAVPlayerViewController&,
-                                                           const Url& url) override {
-        note("end " + url.value_or("-"));
-    }
-    void vlAVPlayerViewControllerCouldNotLoadVideoWithUrl(VLAVPlayerViewController&,
-                                                          const Url& url) override {
-        note("failed " + url.value_or("-"));
-    }
-    void vlAVPlayerViewControllerWillBeDismissedAfterFinishingVideoPlayback() override { note("will go"); }
-    void vlOnAVPlayerDismissed(bool finished) override { note(finished ? "gone yes" : "gone no"); }
-    void vlOnVideoMuted() override { note("muted"); }
-    void vlOnVideoUnmuted() override { note("unmuted"); }
-    void vlOnVideoSkipped() override { note("skipped"); }
-    void vlOnProgressUpdated(float progress, float currentTime) override {
-        std::ostringstream text;
-        text << "progress " << progress << " at " << currentTime;
-        note(text.str());
-    }
-
-    std::function<void(const std::string&)> onCall;
-    Calls calls;
-
-private:
-    void note(const std::string& call) {
-        calls.push_back(call);
-        if (onCall) onCall(call);
-    }
-};
-
-class PlayerController : public testing::Test {
-protected:
-    PlayerController() {
-        window_.resize(300, 200);
-        window_.show();
-    }
-
-    ~PlayerController() override {
-        if (controller_) controller_->player.reset();
-        controller_.reset();
-        for (auto* window : QApplication::topLevelWidgets())
-            if (window != &window_) window->close();
-        settle();
-    }
-
-    VLAVPlayerViewController& make(VLCreativeType type = VLCreativeType::video) {
-        controller_ = std::make_shared<VLAVPlayerViewController>(options_, type);
-        controller_->delegate = told_;
-        return *controller_;
-    }
-
-    VLAVPlayerViewController& makeWithUrl(VLCreativeType type = VLCreativeType::video) {
-        make(type).setUrlString(kUrl);
-        return *controller_;
-    }
-
-    /// With its view loaded, on no screen.
-    VLAVPlayerViewController& load() {
-        static_cast<void>(makeWithUrl().view());
-        return *controller_;
-    }
-
-    VLAVPlayerViewController& present() {
-        makeWithUrl();
-        presentAgain();
-        return *controller_;
-    }
-
-    void presentAgain() {
-        root()->presentViewController(controller_, true);
-        letAnimationsEnd();
-    }
-
-    void letAnimationsEnd() {
-        for (int step = 0; step < 8; ++step) {
-            settle();
-            clock_->advance(100ms);
-        }
-        settle();
-    }
-
-    static std::shared_ptr<platform::ViewController> root() {
-        return platform::Application::rootViewController();
-    }
-
-    [[nodiscard]] ScriptedPlayer& player() const { return *players_.last(); }
-
-    void become(PlayerStatus status) {
-        player().become(status);
-        settle();
-    }
-
-    static void touch(ImageButton* button) { QTest::mouseClick(button, Qt::LeftButton); }
-
-    UseManualClock clock_;
-    UseScriptedPlayers players_;
-    std::shared_ptr<VLAdShowOptions> options_ = std::make_shared<VLAdShowOptions>();
-    std::shared_ptr<Told> told_ = std::make_shared<Told>();
-    std::shared_ptr<VLAVPlayerViewController> controller_;
-    QWidget window_;
-};
 
 TEST_F(PlayerController, TheUrlGoesBeforeTheFileAndWithNeitherThereIsNoPlayer) {
     auto& both = make();
@@ -176,81 +52,6 @@ TEST_F(PlayerController, TheUrlGoesBeforeTheFileAndWithNeitherThereIsNoPlayer) {
     EXPECT_THAT(told_->calls, ElementsAre("gone no"));
 }
 
-TEST_F(PlayerController, ANewOneHasItsFlagsAndHidesTheSkipButton) {
-    auto& controller = make();
-    EXPECT_FALSE(controller.isPlayerPlaying);
-    EXPECT_FALSE(controller.isVideoPlaying());
-    EXPECT_FALSE(controller.getVideoDuration());
-    EXPECT_EQ(platform::asInteger(controller.creativeType), 3);
-    EXPECT_FALSE(controller.isViewLoaded());
-    EXPECT_TRUE(controller.isSkipButtonVisible()) << "it answers whether it is hidden";
-    EXPECT_TRUE(controller.isViewLoaded());
-    EXPECT_EQ(controller.skipButton()->parentWidget(), controller.view());
-    EXPECT_EQ(controller.skipButton()->imageFile().filename(), "Skip.png");
-    EXPECT_EQ(controller.exitButton()->geometry(), QRect(0, 0, 32, 32));
-    EXPECT_EQ(controller.exitButton()->imageFile().filename(), "Close.png");
-    EXPECT_TRUE(controller.muteButton()->imageFile().empty());
-    EXPECT_EQ(controller.spinner()->size(), QSize(100, 100));
-    EXPECT_EQ(controller.progressView()->tintColor(), QColor(132, 133, 133));
-    EXPECT_EQ(controller.progressView()->progress(), 0);
-    controller.setSkipButtonVisible(true);
-    EXPECT_FALSE(controller.isSkipButtonVisible());
-    touch(controller.skipButton());
-    EXPECT_THAT(told_->calls, ElementsAre("skipped")) << "wired by the access that loaded the view";
-}
-
-TEST_F(PlayerController, TheViewsLieInTheCornersOfTheScreenAndOverTheVideo) {
-    auto& controller = present();
-    const auto screen = VLAVPlayerViewController::screenSize();
-    const QRect whole(0, 0, static_cast<int>(screen.width), static_cast<int>(screen.height));
-    const int right = whole.width() - 52;
-    const int bottom = whole.height() - 52;
-    EXPECT_EQ(controller.exitButton()->geometry(), QRect(8, 8, 44, 44));
-    EXPECT_EQ(controller.muteButton()->geometry(), QRect(right, 8, 44, 44));
-    EXPECT_EQ(controller.progressView()->geometry(), QRect(8, bottom, 44, 44));
-    EXPECT_EQ(controller.progressLabel()->geometry(), QRect(8, bottom, 44, 44));
-    EXPECT_EQ(controller.skipButton()->geometry(), QRect(right, bottom, 44, 44));
-    EXPECT_EQ(controller.spinner()->geometry(),
-              QRect(whole.width() / 2 - 50, whole.height() / 2 - 50, 100, 100));
-    EXPECT_EQ(controller.avPlayerLayer->geometry(), whole);
-
-    // From the back to the front.
-    std::vector<QObject*> expected{controller.spinner(),       controller.avPlayerLayer,
-                                   controller.exitButton(),    controller.progressView(),
-                                   controller.progressLabel(), controller.muteButton(),
-                                   controller.skipButton()};
-    std::vector<QObject*> found;
-    for (auto* child : controller.view()->children())
-        if (child->isWidgetType()) found.push_back(child);
-    EXPECT_EQ(found, expected);
-}
-
-TEST_F(PlayerController, ARewardedVideoHidesTheSkipButtonAtEveryLayout) {
-    auto& controller = makeWithUrl(VLCreativeType::rewardedVideo);
-    controller.setSkipButtonVisible(true);
-    EXPECT_FALSE(controller.isSkipButtonVisible()) << "until the next layout";
-    controller.viewDidLayoutSubviews();
-    EXPECT_TRUE(controller.isSkipButtonVisible());
-}
-
-TEST_F(PlayerController, TheExitButtonIsHiddenAtEveryLayoutWhenGoingBackIsDisabled) {
-    options_->setBackDisabled(true);
-    auto& controller = load();
-    EXPECT_FALSE(controller.exitButton()->isHidden());
-    LogCapture log;
-    controller.viewDidLayoutSubviews();
-    EXPECT_THAT(log.lines(), ElementsAre("back disabled? 1"));
-    EXPECT_TRUE(controller.exitButton()->isHidden());
-    controller.exitButton()->show();
-    controller.viewDidLayoutSubviews();
-    EXPECT_TRUE(controller.exitButton()->isHidden());
-    controller.adShowOptions.reset();
-    controller.exitButton()->show();
-    controller.viewDidLayoutSubviews();
-    EXPECT_FALSE(controller.exitButton()->isHidden());
-    EXPECT_EQ(log.lines().size(), 2U);
-}
-
 TEST_F(PlayerController, ItPlaysOnceItIsReadyAndOnceMoreForTheSecondRegistration) {
     auto& controller = present();
     EXPECT_THAT(player().calls, IsEmpty());
@@ -278,39 +79,6 @@ TEST_F(PlayerController, OneThatIsReadyBeforeItAppearsPlaysWhenItAppearsToo) {
     settle();
     EXPECT_THAT(player().calls, ElementsAre("play"));
     EXPECT_EQ(controller.muteButton()->imageFile().filename(), "SoundOff.png");
-}
-
-TEST_F(PlayerController, ATickIsToldBeforeItIsShownAndKeepsTheFirstDuration) {
-    auto& controller = load();
-    player().length = 8;
-    std::vector<double> shown;
-    told_->onCall = [&](const std::string&) { shown.push_back(controller.progressView()->progress()); };
-    player().tick(0);
-    EXPECT_EQ(controller.progressLabel()->text(), "0%");
-    EXPECT_EQ(platform::asDouble(controller.getVideoDuration()), 8);
-    player().pass(3.99);
-    player().length = 16;
-    player().tick(15.9999);
-    EXPECT_EQ(controller.progressLabel()->text(), "99%");
-    player().tick(20);
-    EXPECT_EQ(controller.progressLabel()->text(), "125%");
-    EXPECT_THAT(told_->calls, ElementsAre("progress 0 at 0", "progress 0.46875 at 3.75",
-                                          "progress 0.999994 at 15.9999", "progress 1.25 at 20"));
-    EXPECT_THAT(shown, ElementsAre(0, 0, 0.46875, static_cast<double>(15.9999F / 16)));
-    EXPECT_EQ(platform::asDouble(controller.getVideoDuration()), 8);
-    EXPECT_EQ(controller.progressLabel()->attributes().foregroundColor, QColor(132, 133, 133));
-    EXPECT_EQ(controller.progressLabel()->attributes().paragraphStyle->alignment, TextAlignment::center);
-}
-
-TEST_F(PlayerController, AnUnknownDurationIsToldAsItIsAndShownAsNothing) {
-    auto& controller = load();
-    player().tick(1);
-    EXPECT_TRUE(std::isnan(platform::asDouble(controller.getVideoDuration())));
-    EXPECT_EQ(controller.progressLabel()->text(), "0%");
-    EXPECT_THAT(told_->calls, ElementsAre(testing::MatchesRegex("progress -?nan at 1")));
-    player().length = 0;
-    player().tick(1);
-    EXPECT_EQ(controller.progressLabel()->text(), "9223372036854775807%");
 }
 
 TEST_F(PlayerController, TheEndIsToldThenItIsDismissedAndThatIsTold) {
@@ -426,33 +194,6 @@ TEST_F(PlayerController, ReplayingPlaysFromTheStartWhetherOrNotThatWasReached) {
     player().reachEnd();
     letAnimationsEnd();
     EXPECT_THAT(told_->calls, ElementsAre(std::string("end ") + kUrl, "will go", "gone yes"));
-}
-
-TEST_F(PlayerController, TheMuteButtonMutesAndUnmutes) {
-    auto& controller = present();
-    EXPECT_EQ(controller.muteButton()->imageFile().filename(), "SoundOn.png");
-    touch(controller.muteButton());
-    EXPECT_EQ(controller.muteButton()->imageFile().filename(), "SoundOff.png");
-    EXPECT_TRUE(player().isMuted());
-    touch(controller.muteButton());
-    EXPECT_EQ(controller.muteButton()->imageFile().filename(), "SoundOn.png");
-    EXPECT_FALSE(player().isMuted());
-    EXPECT_THAT(told_->calls, ElementsAre("muted", "unmuted"));
-    QTest::mousePress(controller.muteButton(), Qt::LeftButton);
-    QTest::mouseRelease(controller.muteButton(), Qt::LeftButton, {}, QPoint(-20, 10));
-    EXPECT_EQ(told_->calls.size(), 2U) << "a touch that ends elsewhere is none";
-}
-
-TEST_F(PlayerController, SkippingIsTheDelegatesBusiness) {
-    auto& controller = present();
-    become(PlayerStatus::readyToPlay);
-    controller.setSkipButtonVisible(true);
-    player().calls.clear();
-    touch(controller.skipButton());
-    letAnimationsEnd();
-    EXPECT_THAT(told_->calls, ElementsAre("skipped"));
-    EXPECT_THAT(player().calls, IsEmpty());
-    EXPECT_NE(controller.presentingViewController(), nullptr);
 }
 
 TEST_F(PlayerController, WhatWasStoppedIsNotResumed) {
