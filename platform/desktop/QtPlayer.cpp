@@ -63,6 +63,7 @@ void QtPlayer::listen() {
 }
 
 void QtPlayer::onMediaStatus(QMediaPlayer::MediaStatus status) {
+    const auto self = shared_from_this();
     idleWatches_ = 0;
     switch (status) {
     case QMediaPlayer::LoadedMedia:
