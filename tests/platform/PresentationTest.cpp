@@ -4,11 +4,13 @@
 
 #include <cstdlib>
 #include <iostream>
-#include <optional>
+#include <memory>
 #include <string>
 
 #include <QApplication>
+#include <QTimer>
 #include <QWidget>
+#include <QWindow>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -177,6 +179,25 @@ TEST_F(Screens, ViewsFollowTheSizeOfTheirWindow) {
     EXPECT_EQ(inside->view()->size(), QSize(320, 480));
 }
 
+TEST_F(Screens, TheWindowLiesOverThatOfTheApplicationAndNeedsItNoLonger) {
+    const auto one = screen("a");
+    auto dialog = std::make_unique<QWidget>();
+    dialog->setWindowModality(Qt::ApplicationModal);
+    dialog->show();
+    dialog->activateWindow();
+    ASSERT_TRUE(runUntil([&] { return dialog->isActiveWindow(); }));
+    root()->presentViewController(one, false, note("there"));
+    ASSERT_TRUE(heard("there"));
+    const auto* window = one->view()->window()->windowHandle();
+    // A window that is not the dialog's would be blocked by it.
+    EXPECT_EQ(window->transientParent(), dialog->windowHandle());
+    dialog.reset();
+    EXPECT_EQ(window->transientParent(), nullptr);
+    EXPECT_TRUE(one->view()->isVisible());
+    one->dismissViewControllerAnimated(true, note("gone"));
+    EXPECT_TRUE(heard("gone"));
+}
+
 TEST_F(Screens, AClockThatIsSetBackEndsTheAnimation) {
     struct SetBack final : platform::Clock {
         std::chrono::system_clock::time_point now() const override { return time; }
@@ -202,10 +223,19 @@ TEST_F(Screens, TheEndOfAPresentationIsNotThatOfTheApplication) {
     window_.hide();
     int quits = 0;
     const auto watch = QObject::connect(qApp, &QGuiApplication::lastWindowClosed, [&] { ++quits; });
-    own->presentViewController(screen("a"), false, note("there"));
-    own->dismissViewControllerAnimated(false, note("gone"));
-    EXPECT_TRUE(heard("gone"));
-    EXPECT_TRUE(neverHeard("never"));
+    // Only an application that runs its loop is ended by its last window.
+    QTimer::singleShot(0, [&] {
+        own->presentViewController(screen("a"), false, note("there"));
+        own->dismissViewControllerAnimated(false, note("gone"));
+        EXPECT_TRUE(heard("gone"));
+        const auto closed = screen("b");
+        own->presentViewController(closed, false, note("there again"));
+        EXPECT_TRUE(heard("there again"));
+        closed->view()->window()->close();
+        EXPECT_TRUE(neverHeard("never"));
+        QCoreApplication::exit();
+    });
+    QCoreApplication::exec();
     EXPECT_EQ(quits, 0);
     QObject::disconnect(watch);
     platform::Application::setRootViewController(nullptr);
