@@ -1,10 +1,15 @@
 #include <velmora/VelmoraAd.h>
 
+#include "core/VLLog.h"
 #include "core/VelmoraAdState.h"
 #include "model/VLAdSuggestion.h"
+#include "model/VLDirectCreativeModel.h"
+#include "platform/Application.h"
 #include "platform/Clock.h"
 #include "platform/FileManager.h"
 #include "platform/Log.h"
+#include "platform/MainQueue.h"
+#include "ui/VLAdShowUIController.h"
 #include <velmora/VLAdRequestOptions.h>
 
 namespace velmora {
@@ -82,6 +87,21 @@ bool VelmoraAd::isValid() const {
     }
     if (isBannerAd()) return !isExpired();
     return state_->mAd.get() == nullptr;
+}
+
+void VelmoraAd::showWithOptions(const std::shared_ptr<VLAdShowOptions>& options) {
+    if (!isValid()) return VLLog("Ad is Expired/Invalid");
+    const auto ad = state_->mAd.get();
+    if (ad && (!ad->creative || !ad->creative->isSupported()))
+        return VLLog("Ad type is not supported with this version of sdk.");
+    if (ad) ad->reportAdIsDoing();
+
+    const auto self = weak_from_this().lock();
+    if (!self) return VLLog("An ad is shown only while a shared pointer holds its handle");
+    platform::MainQueue::async([self, ad, options] {
+        if (!platform::Application::hasScreen()) return VLLog("An ad is shown only in a QApplication");
+        std::make_shared<VLAdShowUIController>()->showAd(self, ad, options, self->getRequestOptions());
+    });
 }
 
 VelmoraAdState& VelmoraAd::state() const noexcept { return *state_; }

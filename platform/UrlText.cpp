@@ -1,5 +1,7 @@
 #include "platform/UrlText.h"
 
+#include <algorithm>
+
 #include <boost/url.hpp>
 
 namespace velmora::platform {
@@ -12,12 +14,40 @@ constexpr urls::grammar::lut_chars
     kUnreservedAndSubDelims("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~!$&'()*+,;=");
 constexpr auto kQueryAllowed = kUnreservedAndSubDelims + urls::grammar::lut_chars(":@/?");
 constexpr auto kHostAllowed = kUnreservedAndSubDelims + urls::grammar::lut_chars(":[]");
+constexpr auto kSchemeCharacters = urls::grammar::alnum_chars + urls::grammar::lut_chars("+-.");
 
 }  // namespace
 
 std::string percentEncoded(std::string_view text, UrlCharacters allowed) {
     const auto& unchanged = allowed == UrlCharacters::queryAllowed ? kQueryAllowed : kHostAllowed;
     return urls::encode({text.data(), text.size()}, unchanged);
+}
+
+bool isUrl(std::string_view text) {
+    return !text.empty() && urls::parse_uri_reference({text.data(), text.size()}).has_value();
+}
+
+std::string_view urlScheme(std::string_view url) {
+    const auto scheme = url.substr(0, std::min(url.find(':'), url.size()));
+    const bool ends = scheme.size() < url.size();
+    const bool isScheme = !scheme.empty() && urls::grammar::alpha_chars(scheme.front()) &&
+                          std::all_of(scheme.begin(), scheme.end(), kSchemeCharacters);
+    return ends && isScheme ? scheme : std::string_view();
+}
+
+std::optional<std::string_view> urlHost(std::string_view url) {
+    const auto scheme = urlScheme(url);
+    if (scheme.empty()) return std::nullopt;
+    auto rest = url.substr(scheme.size() + 1);
+    if (!rest.starts_with("//")) return std::nullopt;
+    rest.remove_prefix(2);
+
+    auto authority = rest.substr(0, std::min(rest.find_first_of("/?#"), rest.size()));
+    if (const auto user = authority.rfind('@'); user != std::string_view::npos)
+        authority.remove_prefix(user + 1);
+    // An address in brackets has colons of its own.
+    const auto port = authority.find(':', authority.starts_with('[') ? authority.find(']') : 0);
+    return authority.substr(0, std::min(port, authority.size()));
 }
 
 std::optional<std::vector<UrlQueryItem>> queryItems(std::string_view url) {

@@ -16,6 +16,17 @@ enum class UrlCharacters {
 
 [[nodiscard]] std::string percentEncoded(std::string_view text, UrlCharacters allowed);
 
+/// Whether it is a URL, or a reference to one, as RFC 3986 has it: a space or a letter beyond ASCII makes it
+/// none.
+[[nodiscard]] bool isUrl(std::string_view text);
+
+/// What stands before the first colon, as it is written; empty where that is no scheme.
+[[nodiscard]] std::string_view urlScheme(std::string_view url);
+
+/// The host of an absolute URL as it is written, without user and port. Absent where there is no "//" after
+/// the scheme; what follows the host need not be well-formed.
+[[nodiscard]] std::optional<std::string_view> urlHost(std::string_view url);
+
 /// One name=value pair of a URL's query, percent-decoded. The value is absent where the pair has no "=".
 struct UrlQueryItem {
     std::string name;

@@ -10,12 +10,13 @@
 namespace velmora {
 
 class VLAdRequestOptions;
+class VLAdShowOptions;
 class VelmoraAdState;
 
 /// An ad that was offered to the application, as its callbacks receive it. Safe to use from any thread.
 ///
 /// A handle that the application makes itself holds no ad; it has an identifier and counts as valid.
-class VELMORA_EXPORT VelmoraAd {
+class VELMORA_EXPORT VelmoraAd : public std::enable_shared_from_this<VelmoraAd> {
 public:
     VelmoraAd();
     ~VelmoraAd();
@@ -54,6 +55,15 @@ public:
     /// Whether the ad can be shown now. A video needs its request options and, when it was to be downloaded,
     /// its file; no ad is valid beyond its time.
     [[nodiscard]] bool isValid() const;
+
+    /// Shows the ad over the whole screen, on the main thread, which runs the application's Qt event loop.
+    /// Returns at once; the ad-show-finished callback of `Velmora` tells how it ended. Null options mean the
+    /// defaults.
+    ///
+    /// An ad that is not valid, or that this version cannot show, is not shown, and no callback comes: a line
+    /// of `VLLog` says so. Nor is one shown whose handle no `std::shared_ptr` holds, or without a window of
+    /// the application to show it over.
+    void showWithOptions(const std::shared_ptr<VLAdShowOptions>& options);
 
     /// For the library's own use: what the handle holds, and its stored form.
     [[nodiscard]] VELMORA_INTERNAL VelmoraAdState& state() const noexcept;

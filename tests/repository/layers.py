@@ -6,8 +6,8 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 
-# From the top to the bottom; folders of one group do not include each other.
-LAYERS = [["core"], ["ui", "net"], ["device"], ["model"], ["platform"]]
+# From the top to the bottom.
+LAYERS = [["core"], ["ui"], ["net"], ["device"], ["model"], ["platform"]]
 LEVEL = {folder: level for level, group in enumerate(LAYERS) for folder in group}
 
 # Two classes that call each other: the upper one is declared forward, and the source file includes it.
@@ -20,6 +20,8 @@ UPWARD = {
     ("model/VLRewardRequestJsonParams.cpp", "device/VLUserExtraInfoModel.h"),
     ("net/VLRequestHeaders.cpp", "core/VLBuildVariants.h"),
     ("net/VLRequestHeaders.cpp", "core/VelmoraManager.h"),
+    ("ui/VLAdShowUIController.cpp", "core/VLAdShowOptionsState.h"),
+    ("ui/VLAdShowUIController.cpp", "core/VelmoraManager.h"),
 }
 FOR_EVERYBODY = {"core/VLLog.h"}
 

@@ -1,0 +1,33 @@
+#include "platform/desktop/VideoView.h"
+
+#include "platform/desktop/VideoPicture.h"
+
+#include <utility>
+
+#include <QPainter>
+
+namespace velmora::platform {
+
+VideoView::VideoView(QWidget* parent) : QWidget(parent) { setAttribute(Qt::WA_TransparentForMouseEvents); }
+
+void VideoView::setFrame(const QVideoFrame& frame) {
+    if (!frame.isValid()) return;
+    frame_ = frame;
+    // What lies beneath need not be drawn for each frame.
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    update();
+}
+
+void VideoView::paintEvent(QPaintEvent* /*event*/) {
+    if (frame_.isValid()) drawFrame(std::exchange(frame_, QVideoFrame()), picture_);
+    if (picture_.isNull()) return;
+    QPainter painter(this);
+    painter.fillRect(rect(), Qt::black);
+    const QSizeF fitted = QSizeF(picture_.size()).scaled(size(), Qt::KeepAspectRatio);
+    QRectF target(QPointF(), fitted);
+    target.moveCenter(QRectF(rect()).center());
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(target, picture_);
+}
+
+}  // namespace velmora::platform

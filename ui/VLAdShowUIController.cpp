@@ -1,0 +1,253 @@
+#include "ui/VLAdShowUIController.h"
+
+#include "core/VLAdShowOptionsState.h"
+#include "core/VLLog.h"
+#include "core/VelmoraManager.h"
+#include "model/VLActionModel.h"
+#include "model/VLAdSuggestion.h"
+#include "model/VLDirectCreativeModel.h"
+#include "model/VLSkipStarPercentageModel.h"
+#include "platform/Application.h"
+#include "ui/CallToAction.h"
+#include "ui/VLAVPlayerViewController.h"
+
+#include <array>
+#include <utility>
+
+#include <velmora/VLAdRequestOptions.h>
+#include <velmora/VLAdShowOptions.h>
+#include <velmora/VelmoraAd.h>
+
+namespace velmora {
+
+namespace {
+
+namespace Mask = platform::InterfaceOrientationMask;
+
+constexpr std::int64_t kCached = 1;
+constexpr std::int64_t kStreamed = 2;
+constexpr std::int64_t kBanner = 2;
+constexpr std::int64_t kActionPage = 1;
+/// What is recorded of a video whose length is not known.
+constexpr std::int64_t kSecondsOfUnknownVideo = 30;
+
+struct Orientation {
+    std::int64_t option;
+    std::uint32_t mask;
+};
+
+constexpr std::array kOrientations{
+    Orientation{1, Mask::portrait},      Orientation{2, Mask::landscapeRight},     Orientation{3, Mask::all},
+    Orientation{4, Mask::landscapeLeft}, Orientation{5, Mask::portraitUpsideDown},
+};
+
+/// What an ad is presented from: of the containers at the root, what they hold.
+std::shared_ptr<platform::ViewController> presenter() {
+    auto controller = platform::Application::rootViewController();
+    if (const auto navigation = std::dynamic_pointer_cast<platform::NavigationController>(controller))
+        controller = navigation->viewControllers().front();
+    if (const auto tabBar = std::dynamic_pointer_cast<platform::TabBarController>(controller))
+        controller = tabBar->selectedViewController();
+    return controller;
+}
+
+}  // namespace
+
+VLAdShowUIController::VLAdShowUIController() = default;
+
+VLAdShowUIController::~VLAdShowUIController() {
+    if (videoView) videoView->player.reset();
+}
+
+void VLAdShowUIController::showAd(const std::shared_ptr<VelmoraAd>& showAd,
+                                  const std::shared_ptr<VLAdSuggestion>& forSuggestion,
+                                  const std::shared_ptr<VLAdShowOptions>& withShowOptions,
+                                  const std::shared_ptr<VLAdRequestOptions>& andRequestOptions) {
+    ad = forSuggestion;
+    showOptions = withShowOptions;
+    requestOptions = andRequestOptions;
+    tAd = showAd;
+    videoPathOrUrl.reset();
+    initView();
+
+    if (const auto from = presenter())
+        from->presentViewController(std::make_shared<platform::NavigationController>(self()), true);
+    updateSuggestionState();
+    if (!ad || !tAd || !tAd->isValid()) return;
+    if (ad->isVideoAd()) return startShowingVideoAsReplay(false);
+    if (ad->isBannerAd()) startShowingBanner();
+}
+
+void VLAdShowUIController::initView() {
+    if (!ad) return;
+    if (ad->isVideoAd()) {
+        videoView =
+            std::make_shared<VLAVPlayerViewController>(showOptions, creative()->getCreativeTypeEnum());
+        videoView->delegate = self();
+        webView = makePage(action() ? action()->actionUrl : std::nullopt);
+    } else if (ad->isBannerAd()) {
+        webView = makePage(creative()->ctaUrl);
+    }
+}
+
+void VLAdShowUIController::startShowingVideoAsReplay(bool replay) {
+    if (!videoView) return;
+    if (replay) videoView->replay();
+    if (webView) webView->removeFromParentViewController();
+    if (!replay && !videoPathOrUrl && requestOptions) chooseSource();
+    const auto skip = creative() ? creative()->skipStartPercentage : nullptr;
+    if (skip && skip->skipStartPercentage) videoView->setSkipButtonVisible(true);
+    presentViewController(videoView, true);
+}
+
+void VLAdShowUIController::chooseSource() {
+    const auto cacheType = requestOptions->getCacheTypeNumber();
+    if (cacheType == kStreamed) {
+        videoPathOrUrl = platform::asString(creative()->ctaUrl);
+        videoView->setUrlString(videoPathOrUrl);
+    } else if (cacheType == kCached) {
+        videoPathOrUrl = tAd->getVideoFilePath();
+        videoView->setVideoFilePath(videoPathOrUrl);
+    }
+}
+
+void VLAdShowUIController::startShowingBanner() {
+    if (webView) presentViewController(webView, true);
+}
+
+void VLAdShowUIController::showWebView() {
+    presentViewController(makePage(action() ? action()->actionUrl : std::nullopt), true);
+}
+
+void VLAdShowUIController::showActionWebView() {
+    if (videoView) videoView->dismissViewControllerAnimated(true);
+    if (webView) presentViewController(webView, true);
+}
+
+bool VLAdShowUIController::isActionWebView() const {
+    return action() && platform::equals(action()->actionType, kActionPage);
+}
+
+void VLAdShowUIController::finishController() {
+    if (platform::asBool(isStateUpdated) && !platform::asBool(isVideoCompleted)) {
+        isStateUpdated = false;
+        saveFinalStates();
+    }
+    if (ad && tAd) {
+        if (ad->isVideoAd() && videoView && videoView->isVideoPlaying()) videoView->stopPlayback();
+        if (!platform::asBool(adDoneRecorded)) onAdWasDone();
+    }
+    // A banner never comes here, and a video that was told of at its end is told of again.
+    if (!platform::asBool(isResultReturned) && tAd && tAd->isVideoAd()) tellManager(isCompletedOrShownOnce());
+    dismissFromPresenter();
+}
+
+std::uint32_t VLAdShowUIController::supportedInterfaceOrientations() const {
+    const auto option = showOptions ? showOptions->state().mOrientation.get() : std::nullopt;
+    for (const auto& one : kOrientations) {
+        if (option == one.option) return one.mask;
+    }
+    return Mask::all;
+}
+
+void VLAdShowUIController::vlWebViewControllerWasDismissed() { VLLog("web view dismissed"); }
+
+void VLAdShowUIController::vlWebViewBridgeClose() { finishController(); }
+
+void VLAdShowUIController::vlWebViewBridgeDismiss() {
+    const bool isBanner = creative() && platform::equals(creative()->ctaType, kBanner);
+    if (!platform::asBool(adDoneRecorded) && isBanner) onAdWasDone();
+    finishController();
+}
+
+void VLAdShowUIController::vlWebViewBridgeReplay() {
+    const auto from = webView ? webView->presentingViewController() : nullptr;
+    if (!from) return;
+    from->dismissViewControllerAnimated(
+        true, [controller = self()] { controller->startShowingVideoAsReplay(true); });
+}
+
+void VLAdShowUIController::vlWebViewBridgeOpenType(const std::optional<std::string>& type,
+                                                   const std::optional<std::string>& andTarget,
+                                                   const std::optional<std::string>& andDescription) {
+    const auto url = callToActionUrl(type, andTarget, andDescription);
+    if (url && platform::Application::canOpenUrl(*url)) platform::Application::openUrl(*url);
+}
+
+void VLAdShowUIController::vlAVPlayerViewControllerDidReachEndOfVideoWithUrl(
+    VLAVPlayerViewController& controller, const std::optional<std::string>& url) {
+    VLLog("video view reach end url: %@", url);
+    donePercentage = 100;
+    if (platform::asInteger(controller.getVideoDuration()) > 0) {
+        isVideoCompleted = true;
+        doneSeconds = controller.getVideoDuration();
+        if (!platform::asBool(isVideoShownOnce) && !platform::asBool(isResultReturned)) tellManager(true);
+        isVideoShownOnce = true;
+    } else {
+        doneSeconds = kSecondsOfUnknownVideo;
+    }
+    if (platform::asBool(isStateUpdated)) saveFinalStates();
+    if (!platform::asBool(adDoneRecorded)) onAdWasDone();
+}
+
+void VLAdShowUIController::vlAVPlayerViewControllerCouldNotLoadVideoWithUrl(
+    VLAVPlayerViewController& controller, const std::optional<std::string>&) {
+    if (!platform::asBool(isResultReturned)) {
+        isResultReturned = true;
+        // A video that never had a length counts as completed.
+        const bool hasLength = platform::asInteger(controller.getVideoDuration()) > 0;
+        tellManager(hasLength ? isCompletedOrShownOnce() : true);
+    }
+    if (platform::asBool(isStateUpdated)) {
+        isStateUpdated = false;
+        saveFinalStates();
+    }
+    dismissFromPresenter();
+}
+
+void VLAdShowUIController::vlOnAVPlayerDismissed(bool finished) {
+    if (finished) return isActionWebView() ? showActionWebView() : finishWithoutPage();
+    if (!showOptions || !showOptions->getShowDialoged()) finishController();
+}
+
+std::shared_ptr<VLAdShowUIController> VLAdShowUIController::self() {
+    return std::static_pointer_cast<VLAdShowUIController>(shared_from_this());
+}
+
+std::shared_ptr<VLDirectCreativeModel> VLAdShowUIController::creative() const {
+    return ad ? ad->creative : nullptr;
+}
+
+std::shared_ptr<VLActionModel> VLAdShowUIController::action() const {
+    return creative() ? creative()->action : nullptr;
+}
+
+std::shared_ptr<VLVastTrackingData> VLAdShowUIController::trackingData() const {
+    return creative() ? creative()->vastTrackingData : nullptr;
+}
+
+std::shared_ptr<VLWebViewController> VLAdShowUIController::makePage(const Property& url) {
+    auto page = std::make_shared<VLWebViewController>();
+    page->setUrlString(platform::asString(url));
+    page->delegate = self();
+    return page;
+}
+
+bool VLAdShowUIController::isCompletedOrShownOnce() const {
+    return platform::asBool(isVideoCompleted) || platform::asBool(isVideoShownOnce);
+}
+
+void VLAdShowUIController::tellManager(bool completed) const {
+    VelmoraManager::onAdShowFinished(tAd, completed);
+}
+
+void VLAdShowUIController::dismissFromPresenter() {
+    if (const auto from = presentingViewController()) from->dismissViewControllerAnimated(true);
+}
+
+void VLAdShowUIController::finishWithoutPage() {
+    VLLog("Operation not supported in this version, closing view controller.");
+    finishController();
+}
+
+}  // namespace velmora
