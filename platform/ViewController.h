@@ -40,7 +40,8 @@ public:
 
     /// Presents a controller over the whole screen, over whatever this one presents already shows. One that
     /// comes while a presenter is still in an animation waits for its end. Presenting a controller that is
-    /// presented already, or null, does nothing.
+    /// presented already, this one or one of its ancestors, or null, does nothing; nor does presenting from
+    /// one that is not on the screen, or in an application without a `QApplication`.
     ///
     /// `completion` runs once when it has appeared, that is after the animation and after `viewDidAppear`.
     void presentViewController(const std::shared_ptr<ViewController>& controller, bool animated,
@@ -72,7 +73,7 @@ protected:
     virtual void viewDidLoad() {}
     /// It is on the screen, after the animation if there was one.
     virtual void viewDidAppear(bool animated);
-    /// Whenever the view has got its size, and before it first appears.
+    /// Whenever the view has got its size, and whenever it comes to the screen, before it appears.
     virtual void viewDidLayoutSubviews() {}
 
     /// Children of containers. A child leaves the parent it had.

@@ -1,16 +1,15 @@
 #include "platform/Application.h"
 
-#include "platform/Immortal.h"
+#include "platform/CallOut.h"
 #include "platform/Log.h"
-#include "platform/ViewController.h"
-#include "platform/desktop/Presentation.h"
+#include "platform/desktop/RootControllers.h"
 
+#include <memory>
+#include <thread>
 #include <utility>
 
 #include <QApplication>
-#include <QPointer>
 #include <QScreen>
-#include <QWidget>
 
 // GIO names a struct member as Qt names a macro.
 #undef signals
@@ -20,39 +19,7 @@ namespace velmora::platform {
 
 namespace {
 
-/// Stands for a window of the application's; what it presents lies in a window of ours.
-class WindowController final : public ViewController {
-public:
-    explicit WindowController(QWidget* ofWindow) : window(ofWindow) {}
-
-    const QPointer<QWidget> window;
-};
-
-struct Roots {
-    std::shared_ptr<ViewController> set;
-    std::shared_ptr<WindowController> ofWindow;
-};
-
-Roots& roots() {
-    static Immortal<Roots> instance;
-    return *instance;
-}
-
 bool hasWidgets() { return qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr; }
-
-bool isOurs(const QWidget* window) { return Presentation::instance().owns(window); }
-
-QWidget* applicationWindow() {
-    if (!hasWidgets()) return nullptr;
-    if (auto* active = QApplication::activeWindow(); active != nullptr && !isOurs(active)) return active;
-    // While an ad has the focus, its application's window is the one that had it.
-    if (const auto& known = roots().ofWindow; known && known->window && known->window->isVisible())
-        return known->window;
-    for (auto* window : QApplication::topLevelWidgets()) {
-        if (window->isVisible() && window->windowType() != Qt::Popup && !isOurs(window)) return window;
-    }
-    return nullptr;
-}
 
 struct Release {
     void operator()(GObject* object) const noexcept { g_object_unref(object); }
@@ -60,9 +27,9 @@ struct Release {
     void operator()(char* text) const noexcept { g_free(text); }
 };
 
-void onOpened(GObject*, GAsyncResult* result, gpointer) {
+void launch(const std::string& url) {
     GError* failure = nullptr;
-    if (g_app_info_launch_default_for_uri_finish(result, &failure) != 0) return;
+    if (g_app_info_launch_default_for_uri(url.c_str(), nullptr, &failure) != 0) return;
     const std::unique_ptr<GError, Release> error(failure);
     log(std::string("A URL cannot be opened: ") + (error ? error->message : "no reason given"));
 }
@@ -72,19 +39,11 @@ void onOpened(GObject*, GAsyncResult* result, gpointer) {
 bool Application::hasScreen() { return hasWidgets() && QGuiApplication::primaryScreen() != nullptr; }
 
 std::shared_ptr<ViewController> Application::rootViewController() {
-    if (roots().set) return roots().set;
-    auto* window = applicationWindow();
-    auto& known = roots().ofWindow;
-    if (window == nullptr) {
-        known.reset();
-    } else if (!known || known->window != window) {
-        known = std::make_shared<WindowController>(window);
-    }
-    return known;
+    return RootControllers::instance().current();
 }
 
 void Application::setRootViewController(std::shared_ptr<ViewController> controller) {
-    std::swap(roots().set, controller);
+    RootControllers::instance().set(std::move(controller));
 }
 
 InterfaceOrientation Application::statusBarOrientation() {
@@ -109,6 +68,8 @@ ScreenSize Application::mainScreenSize() {
 }
 
 bool Application::canOpenUrl(const std::string& url) {
+    // C ends a text at a zero byte: what would be opened is not what was asked.
+    if (url.find('\0') != std::string::npos) return false;
     const std::unique_ptr<char, Release> scheme(g_uri_parse_scheme(url.c_str()));
     if (!scheme) return false;
     auto* handler = g_app_info_get_default_for_uri_scheme(scheme.get());
@@ -117,7 +78,8 @@ bool Application::canOpenUrl(const std::string& url) {
 }
 
 void Application::openUrl(const std::string& url) {
-    g_app_info_launch_default_for_uri_async(url.c_str(), nullptr, nullptr, onOpened, nullptr);
+    // GIO's own asynchronous call needs an event loop of GLib's kind, which Qt does not everywhere run.
+    callOut("opening a URL", [&] { std::thread([url] { launch(url); }).detach(); });
 }
 
 }  // namespace velmora::platform

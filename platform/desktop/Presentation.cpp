@@ -6,6 +6,7 @@
 #include "platform/Immortal.h"
 #include "platform/Log.h"
 #include "platform/MainQueue.h"
+#include "platform/desktop/RootControllers.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,6 +17,7 @@
 #include <QPalette>
 #include <QScreen>
 #include <QWidget>
+#include <QWindow>
 
 namespace velmora::platform {
 
@@ -33,6 +35,14 @@ ViewController* topAncestor(const std::shared_ptr<ViewController>& controller) {
     return top.get();
 }
 
+/// Whether it is that one or one of its ancestors.
+bool isOrHolds(const ViewController& controller, const std::shared_ptr<ViewController>& that) {
+    for (auto one = that; one; one = one->parentViewController()) {
+        if (one.get() == &controller) return true;
+    }
+    return false;
+}
+
 }  // namespace
 
 /// Covers the screen; black where no view lies.
@@ -43,13 +53,26 @@ public:
         black.setColor(QPalette::Window, Qt::black);
         setPalette(black);
         setAutoFillBackground(true);
+        // An ad's end is not the application's, even if no other window is open.
+        setAttribute(Qt::WA_QuitOnClose, false);
+        if (const auto* screen = QGuiApplication::primaryScreen()) {
+            setGeometry(screen->geometry());
+            connect(screen, &QScreen::geometryChanged, this, [this](const QRect& all) { setGeometry(all); });
+        }
+    }
+
+    ~Window() override { Presentation::instance().forget(this); }
+
+    /// Stays above that window, also where that one blocks the rest of its application.
+    void lieOver(const QWidget* other) {
+        winId();
+        if (other != nullptr) windowHandle()->setTransientParent(other->windowHandle());
     }
 
 private:
     void closeEvent(QCloseEvent* event) override {
         event->accept();
-        // Not at once: this is the window's own event.
-        MainQueue::async([] { Presentation::instance().abandon(); });
+        Presentation::instance().abandon();
     }
 
     void resizeEvent(QResizeEvent*) override { Presentation::instance().layOut(); }
@@ -79,16 +102,20 @@ void Presentation::dismiss(const std::weak_ptr<ViewController>& from, bool anima
     });
 }
 
-void Presentation::runOrWait(std::function<void()> operation) {
-    if (motion_ || !waiting_.empty()) return waiting_.push_back(std::move(operation));
-    operation();
+void Presentation::runOrWait(Operation operation) {
+    const bool isFirst = waiting_.empty();
+    waiting_.push_back(std::move(operation));
+    // Those before it may still have to wait until the end of a motion has been told to everybody.
+    if (isFirst) runWaiting();
 }
 
 void Presentation::runWaiting() {
-    while (!motion_ && !waiting_.empty()) {
+    while (!isBusy_ && !motion_ && !waiting_.empty()) {
         const auto operation = std::move(waiting_.front());
         waiting_.pop_front();
+        isBusy_ = true;
         operation();
+        isBusy_ = false;
     }
 }
 
@@ -96,8 +123,9 @@ void Presentation::presentNow(const std::weak_ptr<ViewController>& from, const C
                               bool animated, Completion completion) {
     const auto presenter = from.lock();
     if (!presenter || !controller || indexOf(*controller)) return;
-    if (qobject_cast<QApplication*>(QCoreApplication::instance()) == nullptr)
+    if (!Application::hasScreen())
         return log("Nothing can be presented: the application has no QApplication");
+    if (isOrHolds(*controller, presenter)) return log("A controller cannot present itself");
     if (!isOnScreen(presenter))
         return log("Nothing is presented from a controller that is not on the screen");
 
@@ -105,16 +133,25 @@ void Presentation::presentNow(const std::weak_ptr<ViewController>& from, const C
     // Above all that is there: what the presenter presents already stays under it.
     const bool presentsAlready = presentedBy(*presenter) != nullptr;
     stack_.push_back({controller, presentsAlready ? stack_.back().controller : presenter});
-    auto* view = controller->view();
-    view->setParent(window_.get());
-    view->setGeometry(window_->rect());
+    const auto closed = closed_;
+    show(controller, animated);
+    if (closed != closed_) return;
     begin({.first = stack_.size() - 1,
            .up = true,
            .animated = animated,
            .start = {},
            .completion = std::move(completion)});
+}
+
+void Presentation::show(const Controller& controller, bool animated) {
+    // Loading and laying out are the controller's own, which may close the window.
+    const auto closed = closed_;
+    auto* view = controller->view();
+    if (closed != closed_) return;
+    view->setParent(window_.get());
+    view->setGeometry(QRect(QPoint(0, animated ? window_->height() : 0), window_->size()));
     view->show();
-    view->raise();
+    if (closed == closed_) view->raise();
 }
 
 void Presentation::dismissNow(const std::weak_ptr<ViewController>& from, bool animated,
@@ -131,9 +168,7 @@ void Presentation::dismissNow(const std::weak_ptr<ViewController>& from, bool an
 
 bool Presentation::isOnScreen(const Controller& controller) const {
     const auto* top = topAncestor(controller);
-    if (indexOf(*top)) return true;
-    const auto root = Application::rootViewController();
-    return root && top == topAncestor(root);
+    return indexOf(*top) || RootControllers::instance().has(*top);
 }
 
 std::optional<std::size_t> Presentation::indexOf(const ViewController& controller) const {
@@ -156,12 +191,12 @@ std::optional<std::size_t> Presentation::toDismiss(const Controller& from) const
 
 Presentation::Controller Presentation::presenterOf(const ViewController& controller) const {
     const auto index = indexOf(controller);
-    return index ? stack_[*index].presenter.lock() : nullptr;
+    return index ? stack_[*index].presenter : nullptr;
 }
 
 Presentation::Controller Presentation::presentedBy(const ViewController& controller) const {
     for (const auto& entry : stack_) {
-        if (entry.presenter.lock().get() == &controller) return entry.controller;
+        if (entry.presenter.get() == &controller) return entry.controller;
     }
     return nullptr;
 }
@@ -172,40 +207,54 @@ void Presentation::openWindow() {
         known = QCoreApplication::instance();
         qAddPostRoutine([] {
             known = nullptr;
-            instance().abandon();
+            instance().leave();
         });
     }
+    const auto* below = RootControllers::instance().window();
     window_ = std::make_unique<Window>();
-    if (const auto* screen = QGuiApplication::primaryScreen()) window_->setGeometry(screen->geometry());
+    window_->lieOver(below);
     window_->showFullScreen();
     window_->activateWindow();
 }
 
 void Presentation::abandon() {
+    if (stack_.empty()) return;
     ++generation_;
-    motion_.reset();
-    waiting_.clear();
-    // What goes may ask for more on its way.
-    auto stack = std::exchange(stack_, {});
-    const auto window = std::exchange(window_, nullptr);
-    for (const auto& entry : stack) {
+    ++closed_;
+    remains_.push_back({std::exchange(stack_, {}), std::exchange(waiting_, {}),
+                        std::exchange(motion_, std::nullopt), std::exchange(window_, nullptr)});
+    // What an event of these views runs in may still be at work.
+    const auto held = remains_.back().stack;
+    for (const auto& entry : held) {
         if (entry.controller->isViewLoaded()) entry.controller->view()->setParent(nullptr);
     }
-    while (!stack.empty()) stack.pop_back();
+    MainQueue::async([] { static_cast<void>(std::exchange(instance().remains_, {})); });
+}
+
+void Presentation::leave() {
+    abandon();
+    static_cast<void>(std::exchange(remains_, {}));
+}
+
+void Presentation::forget(const QWidget* window) {
+    if (!owns(window)) return;
+    // It is on its way out already.
+    static_cast<void>(window_.release());
+    abandon();
 }
 
 void Presentation::layOut() {
     if (!window_) return;
-    for (const auto& entry : stack_) entry.controller->view()->resize(window_->size());
-    if (!motion_) {
-        for (const auto& entry : stack_) entry.controller->view()->move(0, 0);
+    // Its controller may answer by closing the window.
+    const auto entries = stack_;
+    for (const auto& entry : entries) {
+        if (window_ && entry.controller->isViewLoaded()) entry.controller->view()->resize(window_->size());
     }
 }
 
 void Presentation::begin(Motion motion) {
     motion.start = Clock::current()->now();
     motion_ = std::move(motion);
-    place(motion_->up ? 0 : 1);
     const auto generation = ++generation_;
     const auto next = [generation] {
         auto& self = instance();
@@ -216,8 +265,9 @@ void Presentation::begin(Motion motion) {
 
 void Presentation::step() {
     const auto passed = Clock::current()->now() - motion_->start;
-    const auto part = motion_->animated ? std::chrono::duration<double>(passed) / kDuration : 1.0;
-    if (part >= 1.0) return end();
+    const auto part = std::chrono::duration<double>(passed) / kDuration;
+    // Before its start is when somebody has set the clock back.
+    if (!motion_->animated || part < 0.0 || part >= 1.0) return end();
     const double shown = motion_->up ? eased(part) : 1.0 - eased(part);
     place(shown);
     MainQueue::after(kStep, [generation = generation_] {
@@ -234,7 +284,7 @@ void Presentation::place(double shown) {
 
 void Presentation::end() {
     const auto motion = *std::exchange(motion_, std::nullopt);
-    const auto generation = generation_;
+    const auto closed = closed_;
     // Held until everybody was told.
     std::vector<Entry> gone;
     Controller appears;
@@ -253,9 +303,9 @@ void Presentation::end() {
     }
     if (stack_.empty()) window_.reset();
     if (appears) callOut("a view controller", [&] { appears->viewDidAppear(motion.animated); });
-    if (motion.completion) callOut("a presentation's completion", motion.completion);
+    if (closed == closed_ && motion.completion) callOut("a presentation's completion", motion.completion);
     while (!gone.empty()) gone.pop_back();
-    if (generation == generation_) runWaiting();
+    runWaiting();
 }
 
 }  // namespace velmora::platform

@@ -35,8 +35,13 @@ public:
     [[nodiscard]] Controller presenterOf(const ViewController& controller) const;
     [[nodiscard]] Controller presentedBy(const ViewController& controller) const;
 
-    /// The window was closed, or goes with the application: all is dismissed, and nobody is told.
+    /// The window was closed: all is dismissed, and nobody is told. What that leaves is destroyed at a later
+    /// turn, because an event of one of those views may have closed the window.
     void abandon();
+    /// The application object goes, and the windows with it.
+    void leave();
+    /// The window is being deleted, by whomever.
+    void forget(const QWidget* window);
 
     /// The window's size has changed.
     void layOut();
@@ -48,8 +53,8 @@ private:
 
     struct Entry {
         Controller controller;
-        /// An application's own root controller need not outlive what it presents.
-        std::weak_ptr<ViewController> presenter;
+        /// Who goes by it must be able to dismiss this one, even when a window of the application's has gone.
+        Controller presenter;
     };
 
     struct Motion {
@@ -61,7 +66,16 @@ private:
         Completion completion;
     };
 
-    void runOrWait(std::function<void()> operation);
+    using Operation = std::function<void()>;
+
+    struct Remains {
+        std::vector<Entry> stack;
+        std::deque<Operation> waiting;
+        std::optional<Motion> motion;
+        std::unique_ptr<Window> window;
+    };
+
+    void runOrWait(Operation operation);
     void runWaiting();
     void presentNow(const std::weak_ptr<ViewController>& from, const Controller& controller, bool animated,
                     Completion completion);
@@ -72,6 +86,7 @@ private:
     [[nodiscard]] std::optional<std::size_t> toDismiss(const Controller& from) const;
     [[nodiscard]] std::optional<std::size_t> indexOf(const ViewController& controller) const;
     void openWindow();
+    void show(const Controller& controller, bool animated);
 
     void begin(Motion motion);
     void step();
@@ -80,10 +95,15 @@ private:
 
     std::unique_ptr<Window> window_;
     std::vector<Entry> stack_;
-    std::deque<std::function<void()>> waiting_;
+    std::deque<Operation> waiting_;
     std::optional<Motion> motion_;
     /// Of the motion in progress, so that steps of an abandoned one do nothing.
     unsigned generation_ = 0;
+    /// How often a window was closed.
+    unsigned closed_ = 0;
+    /// A request is being carried out; those that it causes come after it.
+    bool isBusy_ = false;
+    std::vector<Remains> remains_;
 };
 
 }  // namespace velmora::platform

@@ -1,12 +1,14 @@
 #include "platform/ViewController.h"
 
 #include "platform/CallOut.h"
+#include "platform/Immortal.h"
 #include "platform/desktop/Presentation.h"
 
 #include <algorithm>
 #include <utility>
 
 #include <QCoreApplication>
+#include <QHideEvent>
 #include <QWidget>
 
 namespace velmora::platform {
@@ -18,11 +20,24 @@ struct ViewController::State {
         explicit View(ViewController& controller) : controller_(controller) {}
 
     private:
-        void resizeEvent(QResizeEvent*) override {
+        void resizeEvent(QResizeEvent*) override { layOut(); }
+
+        // One that comes back in the size that it had is not resized.
+        void showEvent(QShowEvent*) override {
+            if (!isLaidOut_) layOut();
+        }
+
+        void hideEvent(QHideEvent* event) override {
+            if (!event->spontaneous()) isLaidOut_ = false;
+        }
+
+        void layOut() {
+            isLaidOut_ = true;
             callOut("a view controller", [&] { controller_.viewDidLayoutSubviews(); });
         }
 
         ViewController& controller_;
+        bool isLaidOut_ = false;
     };
 
     std::unique_ptr<View> view;
@@ -34,16 +49,21 @@ struct ViewController::State {
 ViewController::ViewController() : state_(std::make_unique<State>()) {}
 
 ViewController::~ViewController() {
+    const bool hasApplication = QCoreApplication::instance() != nullptr;
     // A child's view belongs to the child.
     for (const auto& child : state_->children) {
         child->state_->parent = nullptr;
-        if (child->isViewLoaded()) child->view()->setParent(nullptr);
+        if (hasApplication && child->isViewLoaded()) child->view()->setParent(nullptr);
     }
     auto& view = state_->view;
     if (!view) return;
-    view->setParent(nullptr);
-    // Without an application there is nothing left that a widget could be taken from.
-    if (QCoreApplication::instance() == nullptr) static_cast<void>(view.release());
+    if (hasApplication) {
+        view->setParent(nullptr);
+        return;
+    }
+    // Its application took its window, and Qt deletes no widget any more.
+    static Immortal<std::vector<std::unique_ptr<QWidget>>> left;
+    left->push_back(std::move(view));
 }
 
 QWidget* ViewController::view() {

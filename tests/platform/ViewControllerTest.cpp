@@ -1,20 +1,14 @@
 #include "platform/ViewController.h"
 
 #include "platform/Application.h"
-#include "platform/MainQueue.h"
-#include "support/EventLoop.h"
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
-#include "support/TemporaryDirectory.h"
+#include "support/Screens.h"
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
-#include <QApplication>
 #include <QWidget>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -31,69 +25,6 @@ using platform::TabBarController;
 using platform::ViewController;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-using Events = std::vector<std::string>;
-
-int alive = 0;
-
-/// Notes what it is told.
-class Screen final : public ViewController {
-public:
-    Screen(std::string name, Events& events) : name_(std::move(name)), events_(events) { ++alive; }
-    ~Screen() override { --alive; }
-
-    std::uint32_t mask = platform::InterfaceOrientationMask::all;
-
-private:
-    [[nodiscard]] std::uint32_t supportedInterfaceOrientations() const override { return mask; }
-    void viewDidLoad() override { events_.push_back(name_ + " loaded"); }
-    void viewDidAppear(bool animated) override {
-        ViewController::viewDidAppear(animated);
-        events_.push_back(name_ + " appeared");
-    }
-    void viewDidLayoutSubviews() override {
-        if (view()->width() != laidOut_) events_.push_back(name_ + " laid out");
-        laidOut_ = view()->width();
-    }
-
-    const std::string name_;
-    Events& events_;
-    int laidOut_ = 0;
-};
-
-class Screens : public testing::Test {
-protected:
-    Screens() {
-        window_.resize(300, 200);
-        window_.show();
-    }
-
-    ~Screens() override {
-        // The window of the library is closed as a person would.
-        for (auto* window : QApplication::topLevelWidgets()) {
-            if (window != &window_) window->close();
-        }
-        window_.hide();
-        EXPECT_TRUE(runUntil([] { return alive == 0; }));
-    }
-
-    std::shared_ptr<Screen> screen(const std::string& name) {
-        return std::make_shared<Screen>(name, events_);
-    }
-
-    ViewController::Completion note(const std::string& what) {
-        return [this, what] { events_.push_back(what); };
-    }
-
-    bool heard(const std::string& what) {
-        return runUntil([&] { return !events_.empty() && events_.back() == what; });
-    }
-
-    static std::shared_ptr<ViewController> root() { return Application::rootViewController(); }
-
-    QWidget window_;
-    Events events_;
-};
 
 TEST_F(Screens, APresentedOneIsLoadedLaidOutMovedInAndThenAppears) {
     const auto first = screen("a");
@@ -228,35 +159,6 @@ TEST(Screen, WithoutAWindowThereIsNothingToPresentFrom) {
     Events events;
     std::make_shared<Screen>("a", events)->presentViewController(std::make_shared<Screen>("b", events), true);
     EXPECT_THAT(events, IsEmpty());
-}
-
-TEST(Application, AUrlIsOpenedByTheDesktopAsItStands) {
-    const TemporaryDirectory home;
-    const auto seen = home / "seen";
-    const auto applications = home / "applications";
-    std::filesystem::create_directories(applications);
-    const auto program = home / "opener";
-    std::ofstream(program) << "#!/bin/sh\nprintf '%s\\n' \"$@\" > '" << seen.string() << "'.new && mv '"
-                           << seen.string() << "'.new '" << seen.string() << "'\n";
-    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
-    std::ofstream(applications / "opener.desktop")
-        << "[Desktop Entry]\nType=Application\nName=Opener\nExec=" << program.string()
-        << " %u\nMimeType=x-scheme-handler/velmora-test;\n";
-    std::ofstream(applications / "mimeapps.list")
-        << "[Default Applications]\nx-scheme-handler/velmora-test=opener.desktop\n";
-    ::setenv("XDG_DATA_HOME", home.path().c_str(), 1);
-    ::setenv("XDG_CONFIG_HOME", home.path().c_str(), 1);
-
-    const std::string url = "velmora-test:a'b\"c$(touch%20x);d&e=%D8%A7|f";
-    EXPECT_FALSE(Application::canOpenUrl("no-such-scheme:x"));
-    EXPECT_FALSE(Application::canOpenUrl("no scheme"));
-    EXPECT_FALSE(Application::canOpenUrl(""));
-    ASSERT_TRUE(Application::canOpenUrl(url));
-    Application::openUrl(url);
-    EXPECT_TRUE(runUntil([&] { return std::filesystem::exists(seen); }));
-    std::string line;
-    std::getline(std::ifstream(seen), line);
-    EXPECT_EQ(line, url);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "support/TemporaryDirectory.h"
 
 #include <cstdlib>
+#include <string_view>
 
 #include <gmock/gmock.h>
 
@@ -9,8 +10,10 @@
 int main(int count, char** arguments) {
     const velmora::test::TemporaryDirectory dataHome;
     setenv("XDG_DATA_HOME", dataHome.path().c_str(), 1);
-    // No display, neither here nor where the tests run by themselves.
-    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    // No display, neither here nor where the tests run by themselves; some bring a screen of their own.
+    const char* platform = std::getenv("QT_QPA_PLATFORM");
+    if (platform == nullptr || std::string_view(platform).substr(0, 9) != "offscreen")
+        setenv("QT_QPA_PLATFORM", "offscreen", 1);
     testing::InitGoogleMock(&count, arguments);
     const QApplication application(count, arguments);
     return RUN_ALL_TESTS();

@@ -1,0 +1,40 @@
+#include "platform/Application.h"
+#include "platform/ViewController.h"
+#include "support/Application.h"
+#include "support/LogCapture.h"
+
+#include <memory>
+#include <optional>
+
+#include <gtest/gtest.h>
+
+namespace velmora::test {
+
+namespace {
+
+TEST(NoScreen, NothingIsPresentedAndNothingFails) {
+    // Without any application object at first, then with one that has no windows.
+    std::optional<Application> application;
+    for (int round = 0; round < 2; ++round, application.emplace()) {
+        const LogCapture log;
+        EXPECT_FALSE(platform::Application::hasScreen());
+        EXPECT_EQ(platform::Application::rootViewController(), nullptr);
+        EXPECT_EQ(platform::Application::mainScreenSize().width, 0);
+        EXPECT_EQ(platform::Application::statusBarOrientation(), platform::InterfaceOrientation::unknown);
+        EXPECT_FALSE(platform::Application::canOpenUrl("no-such-scheme:x"));
+
+        const auto root = std::make_shared<platform::ViewController>();
+        const auto one = std::make_shared<platform::ViewController>();
+        platform::Application::setRootViewController(root);
+        root->presentViewController(one, true, [] { FAIL() << "nothing can have appeared"; });
+        root->dismissViewControllerAnimated(true, [] { FAIL() << "there was nothing to dismiss"; });
+        EXPECT_TRUE(log.has("no QApplication"));
+        EXPECT_EQ(one->presentingViewController(), nullptr);
+        EXPECT_FALSE(one->isViewLoaded());
+        platform::Application::setRootViewController(nullptr);
+    }
+}
+
+}  // namespace
+
+}  // namespace velmora::test

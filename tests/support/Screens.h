@@ -1,0 +1,95 @@
+#pragma once
+
+#include "platform/Application.h"
+#include "platform/ViewController.h"
+#include "support/EventLoop.h"
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <QApplication>
+#include <QWidget>
+#include <gtest/gtest.h>
+
+namespace velmora::test {
+
+using Events = std::vector<std::string>;
+
+/// How many screens there are.
+inline int alive = 0;
+
+/// Notes what it is told.
+class Screen final : public platform::ViewController {
+public:
+    Screen(std::string name, Events& events) : name_(std::move(name)), events_(events) { ++alive; }
+    ~Screen() override { --alive; }
+
+    std::uint32_t mask = platform::InterfaceOrientationMask::all;
+    std::function<void()> onLoad;
+    std::function<void()> onAppear;
+
+private:
+    [[nodiscard]] std::uint32_t supportedInterfaceOrientations() const override { return mask; }
+    void viewDidLoad() override {
+        events_.push_back(name_ + " loaded");
+        if (onLoad) onLoad();
+    }
+    void viewDidAppear(bool animated) override {
+        platform::ViewController::viewDidAppear(animated);
+        events_.push_back(name_ + " appeared");
+        if (onAppear) onAppear();
+    }
+    void viewDidLayoutSubviews() override { events_.push_back(name_ + " laid out"); }
+
+    const std::string name_;
+    Events& events_;
+};
+
+class Screens : public testing::Test {
+protected:
+    Screens() {
+        window_.resize(300, 200);
+        window_.show();
+        // Also where nobody gives a window the focus.
+        window_.activateWindow();
+    }
+
+    ~Screens() override {
+        // The window of the library is closed as a person would.
+        for (auto* window : QApplication::topLevelWidgets()) {
+            if (window != &window_) window->close();
+        }
+        window_.hide();
+        EXPECT_TRUE(runUntil([] { return alive == 0; }));
+    }
+
+    std::shared_ptr<Screen> screen(const std::string& name) {
+        return std::make_shared<Screen>(name, events_);
+    }
+
+    platform::ViewController::Completion note(const std::string& what) {
+        return [this, what] { events_.push_back(what); };
+    }
+
+    bool heard(const std::string& what) {
+        return runUntil([&] { return !events_.empty() && events_.back() == what; });
+    }
+
+    static std::shared_ptr<platform::ViewController> root() {
+        return platform::Application::rootViewController();
+    }
+
+    /// Whether it stays unheard for longer than an animation takes.
+    bool neverHeard(const std::string& what) {
+        return !runUntil([&] { return std::find(events_.begin(), events_.end(), what) != events_.end(); },
+                         std::chrono::milliseconds(400));
+    }
+
+    QWidget window_;
+    Events events_;
+};
+
+}  // namespace velmora::test
