@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <ostream>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -36,6 +37,8 @@ struct Terms {
     const char* variable;
     const char* value;
     const char* reason;
+
+    friend void PrintTo(const Terms& terms, std::ostream* stream) { *stream << terms.name; }
 };
 
 class WhereTheEngineCannotStart : public testing::TestWithParam<Terms> {};

@@ -68,6 +68,35 @@ TEST(UrlText, TheQueryIsReadPairByPair) {
     }
 }
 
+TEST(UrlText, SchemeAndHostAreReadFromTextThatNeedNotBeWellFormed) {
+    const struct {
+        std::string_view url;
+        std::string_view scheme;
+        std::optional<std::string_view> host;
+    } cases[] = {
+        {"a+1.b-c://Host", "a+1.b-c", "Host"},
+        {"a://u:p@b@host:80/path?c://d", "a", "host"},
+        {"a://host?b", "a", "host"},
+        {"a://host#b", "a", "host"},
+        {"a://[::1]:80/", "a", "[::1]"},
+        {"a://[::1", "a", "[::1"},
+        {"a://x y%zz/", "a", "x y%zz"},
+        {"a:///b", "a", ""},
+        {"a://", "a", ""},
+        {"a:", "a", std::nullopt},
+        {"a:host", "a", std::nullopt},
+        {"a", "", std::nullopt},
+        {"1a://b", "", std::nullopt},
+        {" a://b", "", std::nullopt},
+        {"://b", "", std::nullopt},
+        {"", "", std::nullopt},
+    };
+    for (const auto& [url, scheme, host] : cases) {
+        EXPECT_EQ(platform::urlScheme(url), scheme) << url;
+        EXPECT_EQ(platform::urlHost(url), host) << url;
+    }
+}
+
 }  // namespace
 
 }  // namespace velmora::test

@@ -6,10 +6,12 @@
 #include "support/PageServer.h"
 #include "support/PageWatcher.h"
 #include "support/TemporaryDirectory.h"
+#include "ui/VLWebViewController.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <ostream>
 #include <utility>
 
 #include <gmock/gmock.h>
@@ -86,6 +88,8 @@ protected:
 struct Way {
     const char* name;
     const char* html;
+
+    friend void PrintTo(const Way& way, std::ostream* stream) { *stream << way.name; }
 };
 
 constexpr Way kWays[] = {
@@ -162,6 +166,38 @@ TEST_F(WebPage, TheEndOfALoadIsReportedOnceWithTheUrlThatWasLoaded) {
         fence();
         EXPECT_THAT(watcher->ends, ElementsAre(server.url(reported)));
     }
+}
+
+TEST_F(WebPage, APageThatMovesOnWhileItLoadsEndsWhereItArrives) {
+    const auto next = server.url("/plain?next");
+    for (const std::string script :
+         {"location = '/plain?next'", "onload = () => location = '/plain?next'",
+          "onload = () => { location = 'velmora://close'; location = '/plain?next' }",
+          "onload = () => setTimeout(() => location = '/plain?next')", "window.open('/plain?next')"}) {
+        server.setPage("/page", "<script>" + script + "</script><p>A page.");
+        watcher->ends.clear();
+        page->load(server.url("/page"));
+        EXPECT_TRUE(runUntil([&] { return watcher->endsOf(next) > 0; })) << script;
+        fence();
+        EXPECT_EQ(watcher->endsOf(next), 1) << script;
+        EXPECT_LE(watcher->endsOf(server.url("/page")), 1) << script;
+    }
+}
+
+TEST_F(WebPage, APageCannotMakeUpTheEndOfALoad) {
+    const auto url = server.url("/page");
+    server.setPage("/page", R"(<script>
+        const said = [];
+        console.info = text => said.push(text);
+        addEventListener('load', event => {
+            event.stopImmediatePropagation();
+            dispatchEvent(new Event('load'));
+            setTimeout(() => location = 'velmora://said?' + said.length);
+        }, {capture: true, once: true});
+    </script>)");
+    EXPECT_EQ(commandOf("/page"), "velmora://said?0");
+    fence();
+    EXPECT_THAT(watcher->ends, ElementsAre(url));
 }
 
 TEST_F(WebPage, ALoadThatDoesNotEndOrFailsOrIsRefusedReportsNoEnd) {
@@ -300,6 +336,53 @@ TEST_F(WebPage, AnAuthorityOfTheDeveloperIsTrustedWhenItIsNamedAndOnlyForItsHost
                   loaded);
         EXPECT_EQ(secure.requestsOf("/plain"), loaded ? 1 : 0);
     }
+}
+
+/// Lets its controller go with the first command.
+class LettingGo final : public VLWebViewControllerDelegate {
+public:
+    void vlWebViewBridgeClose() override { controller.reset(); }
+    void vlWebViewBridgeDismiss() override {}
+    void vlWebViewBridgeReplay() override {}
+    void vlWebViewBridgeOpenType(const std::optional<std::string>& type,
+                                 const std::optional<std::string>& target,
+                                 const std::optional<std::string>& description) override {
+        opened = {type, target, description};
+    }
+
+    std::shared_ptr<VLWebViewController> controller = std::make_shared<VLWebViewController>();
+    std::vector<std::optional<std::string>> opened;
+};
+
+TEST_F(WebPage, CommandsReachTheDelegateOfAControllerWhichMayGoThen) {
+    server.setPage("/page", R"(<meta charset=utf-8><script>onload = () => {
+        location = 'velmora://open?type=a%20b&target=' + encodeURIComponent('http://x/?é=1&b=[{}]') + '&c';
+        setTimeout(() => location = 'velmora://close', 50);
+    }</script>)");
+    const auto delegate = std::make_shared<LettingGo>();
+    delegate->controller->delegate = delegate;
+    delegate->controller->setUrlString(server.url("/page"));
+    EXPECT_TRUE(runUntil([&] { return delegate->controller == nullptr; }));
+    EXPECT_THAT(delegate->opened, ElementsAre("a b", "http://x/?é=1&b=[{}]", std::nullopt));
+    fence();
+}
+
+TEST_F(WebPage, APageIsDrawnOverTheWholeViewOfItsController) {
+    server.setPage("/page", "<meta charset=utf-8><meta name=viewport content='width=device-width'>"
+                            "<body style='margin:0;height:100vh;background:#00ff00'><h1>An ad</h1>");
+    const auto controller = std::make_shared<VLWebViewController>();
+    controller->setUrlString(server.url("/page"));
+    auto* view = controller->view();
+    const auto size = VLWebViewController::screenSize();
+    view->resize(static_cast<int>(size.width), static_cast<int>(size.height));
+    view->show();
+    const auto isDrawn = [&] {
+        const auto picture = view->grab().toImage();
+        return picture.pixelColor(picture.width() - 2, picture.height() - 2) == QColor(0, 255, 0) &&
+               picture.pixelColor(1, picture.height() - 2) == QColor(0, 255, 0);
+    };
+    EXPECT_TRUE(runUntil(isDrawn));
+    EXPECT_EQ(view->size(), controller->webView().widget()->size());
 }
 
 }  // namespace

@@ -4,19 +4,17 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 
-#include <QPointer>
 #include <QScopedValueRollback>
-#include <QTimer>
+#include <QUuid>
 #include <QWebEngineCertificateError>
 #include <QWebEngineClientCertificateSelection>
 #include <QWebEngineFileSystemAccessRequest>
-#include <QWebEngineLoadingInfo>
 #include <QWebEngineNewWindowRequest>
 #include <QWebEngineQuotaRequest>
 #include <QWebEngineRegisterProtocolHandlerRequest>
 #include <QWebEngineScript>
+#include <QWebEngineScriptCollection>
 
 namespace velmora::webpage {
 
@@ -30,23 +28,25 @@ bool isOfTheWeb(const QUrl& url) {
                        [&](const char* known) { return scheme == QLatin1String(known); });
 }
 
-// In a world of their own, which the page does not see: whether a document's end was reported stays with it.
-const auto kMarkDocument = QStringLiteral("globalThis.ended = true;");
-const auto kAskDocument =
-    QStringLiteral("(() => {"
-                   "  if (globalThis.ended || location.href === 'about:blank') return 'none';"
-                   "  if (document.readyState !== 'complete') return 'loading';"
-                   "  globalThis.ended = true;"
-                   "  return 'complete';"
-                   "})()");
-constexpr std::chrono::milliseconds kAskAgain{100};
+/// A document that is about to move on gets no load event; if it then stays after all, it is told of late.
+constexpr const char* kTellOfTheEnd = R"((() => {
+    let told = false;
+    const tell = () => {
+        if (!told) console.info('%1' + location.href);
+        told = true;
+    };
+    addEventListener('load', event => { if (event.isTrusted) tell(); }, {capture: true});
+    document.addEventListener('readystatechange', event => {
+        if (event.isTrusted && document.readyState === 'complete') setTimeout(tell, 200);
+    }, {capture: true});
+})())";
 
 std::string textOf(const QUrl& url) { return url.toEncoded(QUrl::FullyEncoded).toStdString(); }
 
 }  // namespace
 
-EnginePage::EnginePage(QWebEngineProfile& profile, QObject* parent) : QWebEnginePage(&profile, parent) {
-    connect(this, &QWebEnginePage::loadingChanged, this, &EnginePage::loadingHasChanged);
+EnginePage::EnginePage(QWebEngineProfile& profile, QObject* parent)
+    : QWebEnginePage(&profile, parent), mark_(QUuid::createUuid().toString()) {
     connect(this, &QWebEnginePage::newWindowRequested, this, &EnginePage::openHere);
     connect(this, &QWebEnginePage::certificateError, this, [](QWebEngineCertificateError error) {
         const bool trusted = error.isOverridable() &&
@@ -54,6 +54,7 @@ EnginePage::EnginePage(QWebEngineProfile& profile, QObject* parent) : QWebEngine
         trusted ? error.acceptCertificate() : error.rejectCertificate();
     });
     refuseRequests();
+    watchDocuments();
 }
 
 void EnginePage::refuseRequests() {
@@ -96,13 +97,7 @@ void EnginePage::close() {
     delegate_.reset();
 }
 
-bool EnginePage::acceptNavigationRequest(const QUrl& url, NavigationType, bool isMainFrame) {
-    if (mayGoOn(url)) return true;
-    if (isMainFrame) refused_ = url;
-    return false;
-}
-
-bool EnginePage::mayGoOn(const QUrl& url) {
+bool EnginePage::acceptNavigationRequest(const QUrl& url, NavigationType, bool) {
     if (const auto delegate = delegate_.lock()) {
         const QScopedValueRollback asking(isAsking_, true);
         if (!delegate->pageShouldStartLoad(textOf(url))) return false;
@@ -110,44 +105,23 @@ bool EnginePage::mayGoOn(const QUrl& url) {
     return !closed_ && isOfTheWeb(url);
 }
 
-void EnginePage::loadingHasChanged(const QWebEngineLoadingInfo& info) {
-    const auto status = info.status();
-    // An answer of 404 with a document in it counts as failed here, and is one that was loaded and shown.
-    const bool shown = status == QWebEngineLoadingInfo::LoadSucceededStatus ||
-                       (status == QWebEngineLoadingInfo::LoadFailedStatus && !info.isErrorPage() &&
-                        info.errorDomain() == QWebEngineLoadingInfo::HttpStatusCodeDomain);
-    if (status == QWebEngineLoadingInfo::LoadStartedStatus) {
-        ++load_;
-        isLoading_ = true;
-    } else if (!isLoading_) {
-        return;
-    } else if (shown) {
-        runJavaScript(kMarkDocument, QWebEngineScript::ApplicationWorld);
-        endLoad(info.url());
-    } else if (info.url() == refused_) {
-        awaitDocument();
-    } else {
-        isLoading_ = false;
-    }
+void EnginePage::watchDocuments() {
+    // The engine's own reports do not tell: a navigation that begins or is refused while a document loads
+    // takes that load's place in them, or has none. So each document tells of its end, in a world that it
+    // does not see; the mark is what it could not make up.
+    QWebEngineScript script;
+    script.setInjectionPoint(QWebEngineScript::DocumentCreation);
+    script.setWorldId(QWebEngineScript::ApplicationWorld);
+    script.setRunsOnSubFrames(false);
+    script.setSourceCode(QString::fromLatin1(kTellOfTheEnd).arg(mark_));
+    scripts().insert(script);
 }
 
-void EnginePage::endLoad(const QUrl& url) {
-    isLoading_ = false;
+void EnginePage::javaScriptConsoleMessage(JavaScriptConsoleMessageLevel, const QString& message, int,
+                                          const QString&) {
+    if (!message.startsWith(mark_)) return;
+    const auto url = QUrl::fromEncoded(message.mid(mark_.size()).toUtf8());
     if (const auto delegate = delegate_.lock()) delegate->pageDidFinishLoad(textOf(url));
-}
-
-void EnginePage::awaitDocument() {
-    // A navigation that is refused while a document loads takes the place of that load in the engine's
-    // reports, but the document goes on and comes to its end: it has to be asked.
-    runJavaScript(kAskDocument, QWebEngineScript::ApplicationWorld,
-                  [self = QPointer(this), load = load_](const QVariant& answer) {
-                      if (!self || !self->isLoading_ || self->load_ != load) return;
-                      if (answer == QStringLiteral("complete")) return self->endLoad(self->url());
-                      if (answer != QStringLiteral("loading")) return;
-                      QTimer::singleShot(kAskAgain, self, [self, load] {
-                          if (self->isLoading_ && self->load_ == load) self->awaitDocument();
-                      });
-                  });
 }
 
 void EnginePage::openHere(const QWebEngineNewWindowRequest& window) {
@@ -163,8 +137,5 @@ void EnginePage::javaScriptAlert(const QUrl&, const QString&) {}
 bool EnginePage::javaScriptConfirm(const QUrl&, const QString&) { return false; }
 
 bool EnginePage::javaScriptPrompt(const QUrl&, const QString&, const QString&, QString*) { return false; }
-
-void EnginePage::javaScriptConsoleMessage(JavaScriptConsoleMessageLevel, const QString&, int,
-                                          const QString&) {}
 
 }  // namespace velmora::webpage

@@ -2,10 +2,9 @@
 
 #include "platform/Page.h"
 
-#include <QUrl>
+#include <QString>
 #include <QWebEnginePage>
 
-class QWebEngineLoadingInfo;
 class QWebEngineNewWindowRequest;
 
 namespace velmora::webpage {
@@ -33,19 +32,14 @@ protected:
 
 private:
     void refuseRequests();
-    [[nodiscard]] bool mayGoOn(const QUrl& url);
-    void loadingHasChanged(const QWebEngineLoadingInfo& info);
-    void endLoad(const QUrl& url);
-    void awaitDocument();
+    void watchDocuments();
     void openHere(const QWebEngineNewWindowRequest& window);
     void loadLater(const QUrl& url);
 
     std::weak_ptr<platform::PageDelegate> delegate_;
     bool closed_ = false;
     bool isAsking_ = false;
-    bool isLoading_ = false;
-    int load_ = 0;
-    QUrl refused_;
+    const QString mark_;
 };
 
 }  // namespace velmora::webpage
