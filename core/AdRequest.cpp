@@ -35,12 +35,11 @@ std::optional<std::string> lastPieceOf(const std::optional<std::string>& url) {
     return url->substr(url->rfind('/') + 1);
 }
 
-/// The states of this answer take the place of those that were sent with the request.
-void replaceFinalStates(const VLSuggestionListDirectResponseModel& answer) {
-    const auto states = answer.extractFinalStateWithInitialState(kInitialState);
+/// The states of this answer, which take the place of those that were sent with the request.
+std::shared_ptr<VLFinalStatesModel> finalStatesOf(const VLSuggestionListDirectResponseModel& answer) {
+    auto states = answer.extractFinalStateWithInitialState(kInitialState);
     states->updateFilteredSuggestionIds(answer.getUnnecessarySuggestionIds());
-    VLDefaults::removeAllFinalStates();
-    VLDefaults::setFinalStates(states);
+    return states;
 }
 
 }  // namespace
@@ -60,14 +59,18 @@ void AdRequest::send() {
 
 void AdRequest::onAnswer(const std::shared_ptr<VLSuggestionListDirectResponseModel>& answer) {
     const auto cacheType = options_->getCacheTypeNumber();
-    Suggestion suggestion;
-    std::shared_ptr<VelmoraAd> streamed;
+    // What the store gets is put together before it is asked to hold still.
+    const auto states = finalStatesOf(*answer);
+    const auto user = platform::asString(answer->velmoraUserId);
+    const auto suggestion = choose(answer);
+    const auto streamed =
+        suggestion && cacheType == kStreamed ? makeStreamedAd(suggestion) : std::shared_ptr<VelmoraAd>();
     {
         const platform::UserDefaults::Batch batch(platform::UserDefaults::standard());
-        replaceFinalStates(*answer);
-        if (const auto user = platform::asString(answer->velmoraUserId)) VLDefaults::setVelmoraUserId(user);
-        suggestion = choose(answer);
-        if (suggestion && cacheType == kStreamed) streamed = storeStreamed(suggestion);
+        VLDefaults::removeAllFinalStates();
+        VLDefaults::setFinalStates(states);
+        if (user) VLDefaults::setVelmoraUserId(user);
+        if (streamed) VLDefaults::cacheNewAd(streamed);
     }
     if (!suggestion) return callOnNoAdAvailable();
     if (streamed) {
@@ -90,11 +93,9 @@ AdRequest::Suggestion AdRequest::choose(const std::shared_ptr<VLSuggestionListDi
     return suggestion->creative && suggestion->creative->ctaType ? suggestion : nullptr;
 }
 
-std::shared_ptr<VelmoraAd> AdRequest::storeStreamed(const Suggestion& suggestion) const {
+std::shared_ptr<VelmoraAd> AdRequest::makeStreamedAd(const Suggestion& suggestion) const {
     VLLog("Streamed no need to download");
-    auto ad = makeAd(suggestion, std::nullopt);
-    VLDefaults::cacheNewAd(ad);
-    return ad;
+    return makeAd(suggestion, std::nullopt);
 }
 
 void AdRequest::onFailure(const VLClientError& error) const {
@@ -140,8 +141,9 @@ std::shared_ptr<VelmoraAd> AdRequest::makeAd(const Suggestion& suggestion,
 }
 
 void AdRequest::armExpiry(const std::shared_ptr<VelmoraAd>& ad, const Suggestion& suggestion) {
-    if (!suggestion->expirationTimeInMillis) return;
-    const auto delay = std::chrono::milliseconds(platform::asInteger(suggestion->expirationTimeInMillis));
+    const auto& time = suggestion->expirationTimeInMillis;
+    if (!platform::isValid(time ? &*time : nullptr)) return;
+    const auto delay = std::chrono::milliseconds(platform::asInteger(time));
     platform::MainQueue::after(delay, [self = shared_from_this(), ad] {
         platform::callOut("onExpiring", [&] { self->callbacks_.onExpiring(ad); });
     });

@@ -41,7 +41,7 @@ private:
     [[nodiscard]] static Suggestion
     choose(const std::shared_ptr<VLSuggestionListDirectResponseModel>& answer);
     /// A streamed ad is stored before it is offered, a cached one after.
-    [[nodiscard]] std::shared_ptr<VelmoraAd> storeStreamed(const Suggestion& suggestion) const;
+    [[nodiscard]] std::shared_ptr<VelmoraAd> makeStreamedAd(const Suggestion& suggestion) const;
     void offerDownloaded(const Suggestion& suggestion);
     [[nodiscard]] std::shared_ptr<VelmoraAd> makeAd(const Suggestion& suggestion,
                                                     const std::optional<std::string>& videoFilePath) const;

@@ -78,7 +78,11 @@ void Velmora::requestAdForZone(const std::optional<std::string>& zone,
         return platform::callOut("onAdAvailable", [&] { onAdAvailable(ad); });
     }
     VLLog("Ad is not fetched, fetching new ad...");
-    VelmoraManager::requestAdForZone(wanted, options, onAdAvailable, onNoAdAvailable, onError, onExpiring);
+    // What the application's callbacks throw while they are copied is theirs, and stays here.
+    platform::callOut("a request for an ad", [&] {
+        VelmoraManager::requestAdForZone(wanted, options, onAdAvailable, onNoAdAvailable, onError,
+                                         onExpiring);
+    });
 }
 
 void Velmora::setAdShowFinishedCallback(OnAdShowFinished callback) {

@@ -64,7 +64,9 @@ bool VelmoraAd::isExpired() const {
 
     const auto ad = state_->mAd.get();
     const auto cacheTime = state_->cacheTime.get();
-    if (!ad || !ad->expirationTimeInMillis || !cacheTime) return false;
+    // A null marker means no limit, as an absent entry does.
+    if (!ad || !cacheTime || !ad->expirationTimeInMillis || ad->expirationTimeInMillis->is_null())
+        return false;
     // Two numbers of 64 bits may add up to more than 64 bits.
     std::int64_t end = 0;
     if (__builtin_add_overflow(platform::asInteger(cacheTime),
@@ -94,10 +96,9 @@ void VelmoraAd::showWithOptions(const std::shared_ptr<VLAdShowOptions>& options)
     const auto ad = state_->mAd.get();
     if (ad && (!ad->creative || !ad->creative->isSupported()))
         return VLLog("Ad type is not supported with this version of sdk.");
-    if (ad) ad->reportAdIsDoing();
-
     const auto self = weak_from_this().lock();
     if (!self) return VLLog("An ad is shown only while a shared pointer holds its handle");
+    if (ad) ad->reportAdIsDoing();
     platform::MainQueue::async([self, ad, options] {
         if (!platform::Application::hasScreen()) return VLLog("An ad is shown only in a QApplication");
         std::make_shared<VLAdShowUIController>()->showAd(self, ad, options, self->getRequestOptions());

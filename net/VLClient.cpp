@@ -98,7 +98,7 @@ std::shared_ptr<VLDataTask> VLClient::sendRequestOfMethod(
     const auto headers =
         andIncludeCustomHeaders ? std::optional(VLRequestHeaders::getHeaders()) : std::nullopt;
     auto request = requestWithURL(url, getStringOfHttpRequestMethod(method), data, headers);
-    request.requiresSecureTransport = toPath.starts_with(VLWebServices::siteRootUrl());
+    request.requiresSecureTransport = toPath.starts_with(VLWebServices::siteRootUrl() + "/");
 
     auto task = std::make_shared<VLDataTask>(platform::UrlSession::shared().dataTask(
         std::move(request), [receive, success, failure](platform::UrlOutcome outcome) {

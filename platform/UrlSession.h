@@ -96,7 +96,8 @@ public:
 /// Once the process leaves `main`, exchanges end without a completion.
 class UrlSession {
 public:
-    /// Runs once, on the delegate queue, which is serial and is never the caller's thread.
+    /// Runs once, on the delegate queue, which is serial; on the caller's thread only where the machine has
+    /// no thread left to start.
     using Completion = std::function<void(UrlOutcome outcome)>;
 
     [[nodiscard]] static UrlSession& shared();

@@ -210,6 +210,8 @@ void CurlLoop::startWaiting(const std::string& name) {
         }
         transfer->prepare(std::move(fresh));
         if (curl_multi_add_handle(multi_, transfer->handle()) != CURLM_OK) {
+            // A handle belongs to this thread, and knows another exchange's status.
+            static_cast<void>(transfer->takeHandle());
             transfer->finish(UrlError::unknown);
             continue;
         }

@@ -1,5 +1,6 @@
 #include "platform/desktop/Database.h"
 
+#include "platform/CallOut.h"
 #include "platform/Clock.h"
 #include "platform/Log.h"
 #include "platform/UrlText.h"
@@ -8,6 +9,7 @@
 #include <ctime>
 #include <exception>
 #include <thread>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -166,21 +168,29 @@ void Database::begin() {
     const Turn turn(*this);
     owner_ = std::this_thread::get_id();
     // What fails here is told by the writes, each for itself then.
-    const auto end = Steady::now() + kLongestWait;
-    if (ensureOpen(end) != SQLITE_OK) return;
-    sqlite3_busy_timeout(opened_->connection.get(), leftUntil(end));
-    static_cast<void>(sqlite::step(opened_->begin));
+    try {
+        const auto end = Steady::now() + kLongestWait;
+        if (ensureOpen(end) != SQLITE_OK) return;
+        sqlite3_busy_timeout(opened_->connection.get(), leftUntil(end));
+        hasBegun_ = sqlite::step(opened_->begin) == SQLITE_OK;
+    } catch (const std::exception&) {
+        hasBegun_ = false;
+    }
 }
 
 void Database::commit() {
     const Turn turn(*this);
     owner_.reset();
     committed_.notify_all();
-    if (!opened_ || sqlite3_get_autocommit(opened_->connection.get()) != 0) return;
-    const auto code = sqlite::step(opened_->commit);
+    if (!std::exchange(hasBegun_, false)) return;
+    // A file that was damaged or replaced meanwhile has taken the transaction with it.
+    const bool isOpen = opened_ && sqlite3_get_autocommit(opened_->connection.get()) == 0;
+    const auto code = isOpen ? sqlite::step(opened_->commit) : SQLITE_ABORT;
     if (code == SQLITE_OK) return;
-    log("The stored state cannot be written: " + file_.string() + ": " + sqlite3_errstr(code));
-    static_cast<void>(sqlite::run(opened_->connection, "ROLLBACK"));
+    callOut("the store", [&] {
+        log("The stored state cannot be written: " + file_.string() + ": " + sqlite3_errstr(code));
+    });
+    if (isOpen) static_cast<void>(sqlite::run(opened_->connection, "ROLLBACK"));
 }
 
 bool Database::get(std::string_view key, const std::function<void(std::string_view value)>& take) {
@@ -221,18 +231,19 @@ void Database::remove(std::string_view key) {
 template <class Operation>
 bool Database::perform(std::string_view what, Operation operation) {
     const auto end = Steady::now() + kLongestWait;
-    const auto attempt = [&](Code code) VELMORA_REQUIRES(mutex_) {
-        if (code != SQLITE_OK) return code;
-        sqlite3_busy_timeout(opened_->connection.get(), leftUntil(end));
+    const auto attempt = [&](Code (Database::*prepare)(Time)) VELMORA_REQUIRES(mutex_) {
         try {
+            const auto code = (this->*prepare)(end);
+            if (code != SQLITE_OK) return code;
+            sqlite3_busy_timeout(opened_->connection.get(), leftUntil(end));
             return operation(*opened_);
         } catch (const std::exception&) {
             // Only memory can run out on the way.
             return SQLITE_NOMEM;
         }
     };
-    auto code = attempt(ensureOpen(end));
-    if (isDamage(code)) code = attempt(repair(end));
+    auto code = attempt(&Database::ensureOpen);
+    if (isDamage(code)) code = attempt(&Database::repair);
     // What kept it from being written may have passed by the next call.
     if (opened_ && opened_->forReadingOnly) opened_.reset();
     if (code == SQLITE_OK) return true;

@@ -79,6 +79,7 @@ private:
     std::condition_variable_any committed_;
     /// Who has a transaction open.
     std::optional<std::thread::id> owner_ VELMORA_GUARDED_BY(mutex_);
+    bool hasBegun_ VELMORA_GUARDED_BY(mutex_) = false;
     std::optional<Opened> opened_ VELMORA_GUARDED_BY(mutex_);
     /// The file that was opened last, or was tried.
     Identity tried_ VELMORA_GUARDED_BY(mutex_);
