@@ -7,15 +7,10 @@
 
 #include <QApplication>
 
-// What the sanitizers are to leave alone: the sound system keeps memory for the life of the process, and the
-// media libraries, which are not built with the thread sanitizer, order their threads by means that it does
-// not see.
-extern "C" const char* __lsan_default_suppressions();
-extern "C" const char* __tsan_default_options();
+// What the leak sanitizer is to leave alone: the sound system keeps memory for the life of the process.
+extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions();
 
 const char* __lsan_default_suppressions() { return "leak:libpulse\nleak:g_malloc\n"; }
-
-const char* __tsan_default_options() { return "ignore_noninstrumented_modules=1"; }
 
 int main(int count, char** arguments) {
     const velmora::test::TemporaryDirectory dataHome;

@@ -1,0 +1,61 @@
+# Programs with windows have a main of their own, and the resources of this build.
+function(velmora_add_gui_tests name)
+    add_executable(${name} ${ARGN} support/GuiTestMain.cpp)
+    target_link_libraries(${name} PRIVATE velmora_test_support Qt6::Widgets)
+    target_precompile_headers(${name} REUSE_FROM velmora_test_support)
+    add_dependencies(${name} velmora_resources)
+    gtest_discover_tests(${name} TEST_PREFIX "${name}." PROPERTIES
+        TIMEOUT 120 ENVIRONMENT "VELMORA_RESOURCES=${VELMORA_RESOURCES}")
+endfunction()
+
+velmora_add_gui_tests(ui
+    ui/ActivityIndicatorViewTest.cpp
+    ui/LabelTest.cpp
+    ui/PlayerViewControllerTest.cpp
+    ui/PlayerViewControllerViewsTest.cpp
+    ui/ResourcesTest.cpp
+    ui/SimpleProgressViewTest.cpp
+    ui/TextAttributesTest.cpp
+    ui/WebViewControllerTest.cpp
+    support/ScriptedPage.cpp
+    support/ScriptedPlayer.cpp)
+add_executable(fontreport ui/fontreport.cpp)
+target_link_libraries(ui PRIVATE Qt6::Test)
+target_link_libraries(fontreport PRIVATE velmora_objects velmora_compiler Qt6::Widgets)
+add_dependencies(ui fontreport)
+target_compile_definitions(ui PRIVATE VELMORA_FONT_REPORT="$<TARGET_FILE:fontreport>")
+
+velmora_add_gui_tests(screen
+    platform/ApplicationTest.cpp
+    platform/ViewControllerTest.cpp
+    platform/PresentationTest.cpp)
+add_test(NAME screen.OnAPhone
+    COMMAND screen --gtest_filter=Application.TheInterface*:Screens.APresented*:Screens.ViewsFollow*)
+set_tests_properties(screen.OnAPhone PROPERTIES ENVIRONMENT
+    "QT_QPA_PLATFORM=offscreen:configfile=${CMAKE_CURRENT_SOURCE_DIR}/platform/phone.json")
+add_test(NAME screen.WithoutAnEventLoopOfGLib COMMAND screen --gtest_filter=Application.AUrl*)
+set_tests_properties(screen.WithoutAnEventLoopOfGLib PROPERTIES ENVIRONMENT QT_NO_GLIB=1)
+
+velmora_add_gui_tests(video
+    platform/PlayerTest.cpp
+    platform/QtPlayerTest.cpp
+    ui/VideoShowTest.cpp
+    support/ScriptedPlayer.cpp
+    support/ScriptedServer.cpp)
+target_link_libraries(video PRIVATE velmora_sandbox Qt6::Multimedia OpenSSL::SSL)
+
+velmora_add_gui_tests(show
+    ui/AdShowControllerTest.cpp
+    support/ScriptedPage.cpp
+    support/ScriptedPlayer.cpp
+    support/ScriptedServer.cpp)
+target_link_libraries(show PRIVATE velmora_sandbox OpenSSL::SSL)
+
+# Pictures to look at, of what only an eye can judge.
+foreach(program screenshots playerscreenshots)
+    add_executable(${program} ui/${program}.cpp)
+    target_link_libraries(${program} PRIVATE velmora_objects velmora_compiler Qt6::Widgets)
+    target_include_directories(${program} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+    target_compile_definitions(${program} PRIVATE VELMORA_RESOURCES="${VELMORA_RESOURCES}")
+    add_dependencies(${program} velmora_resources)
+endforeach()
