@@ -37,9 +37,11 @@ QtPlayer::QtPlayer(const QUrl& source, std::chrono::milliseconds patience) {
     tick_.setTimerType(Qt::PreciseTimer);
     listen();
     watch_.start(patience / kWatchesOfPatience);
-    if (player_.isAvailable() && isPlayable(source))
+    if (player_.isAvailable() && isPlayable(source)) {
         player_.setSource(source);
-    else
+        // Shows the first frame as soon as it is there; stopped, it would keep that to itself.
+        player_.pause();
+    } else
         QMetaObject::invokeMethod(
             &receiver_, [this] { fail(); }, Qt::QueuedConnection);
 }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
+#include <vector>
 
 #include <QTransform>
 
@@ -13,14 +15,15 @@ namespace {
 // Qt's own conversion on the processor takes every video for one of the BT.601 colour space, which shows most
 // videos of 720 lines and more in wrong colours; the common layouts are therefore converted here.
 
-/// The weights of the conversion to red, green and blue, in 1/65536.
+/// The weights of the conversion to red, green and blue, in 1/8192. All is reckoned in numbers of 16 bits,
+/// which processors take eight and more at a time.
 struct Weights {
-    int black;
-    int luma;
-    int redOfV;
-    int greenOfU;
-    int greenOfV;
-    int blueOfU;
+    std::int16_t black;
+    std::int16_t luma;
+    std::int16_t redOfV;
+    std::int16_t greenOfU;
+    std::int16_t greenOfV;
+    std::int16_t blueOfU;
 };
 
 struct Primaries {
@@ -46,8 +49,8 @@ Weights weightsOf(const QVideoFrameFormat& format) {
     const bool isFull = format.colorRange() == QVideoFrameFormat::ColorRange_Full;
     const double luma = isFull ? 1.0 : 255.0 / 219;
     const double chroma = isFull ? 1.0 : 255.0 / 224;
-    const auto fixed = [](double weight) { return static_cast<int>(std::lround(weight * 65536)); };
-    return {.black = isFull ? 0 : 16,
+    const auto fixed = [](double weight) { return static_cast<std::int16_t>(std::lround(weight * 8192)); };
+    return {.black = static_cast<std::int16_t>(isFull ? 0 : 16),
             .luma = fixed(luma),
             .redOfV = fixed(2 * (1 - red) * chroma),
             .greenOfU = fixed(-2 * (1 - blue) * blue / green * chroma),
@@ -55,25 +58,56 @@ Weights weightsOf(const QVideoFrameFormat& format) {
             .blueOfU = fixed(2 * (1 - blue) * chroma)};
 }
 
-/// One line of each plane; `step` bytes lie between the colours of neighbouring pairs of pixels.
-struct Line {
-    const uchar* luma;
-    const uchar* u;
-    const uchar* v;
-    int step;
+/// In 1/16. Eight bits of `value` lie before its point, and a sign.
+std::int16_t weigh(int value, std::int16_t weight) {
+    return static_cast<std::int16_t>((static_cast<std::int16_t>(value * 128) * weight) >> 16);
+}
+
+/// What the colours of a line add to its luma, for each pixel, in 1/16.
+struct Tint {
+    explicit Tint(int width) : red(roundUp(width)), green(roundUp(width)), blue(roundUp(width)) {}
+
+    /// Two pixels have one colour.
+    static std::size_t roundUp(int width) { return (static_cast<std::size_t>(width) + 1) / 2 * 2; }
+
+    std::vector<std::int16_t> red;
+    std::vector<std::int16_t> green;
+    std::vector<std::int16_t> blue;
 };
 
-int channel(int weighted) { return std::clamp((weighted + 32768) >> 16, 0, 255); }
+/// `step` bytes lie between the colours of neighbouring pairs of pixels.
+template <int step>
+void mixLine(const uchar* uLine, const uchar* vLine, const Weights& weights, Tint& tint) {
+    const std::size_t pairs = tint.red.size() / 2;
+    std::int16_t* const red = tint.red.data();
+    std::int16_t* const green = tint.green.data();
+    std::int16_t* const blue = tint.blue.data();
+    const Weights by = weights;
+    for (std::size_t pair = 0; pair < pairs; ++pair) {
+        const int u = uLine[pair * step] - 128;
+        const int v = vLine[pair * step] - 128;
+        red[2 * pair] = red[2 * pair + 1] = weigh(v, by.redOfV);
+        green[2 * pair] = green[2 * pair + 1] =
+            static_cast<std::int16_t>(weigh(u, by.greenOfU) + weigh(v, by.greenOfV));
+        blue[2 * pair] = blue[2 * pair + 1] = weigh(u, by.blueOfU);
+    }
+}
 
-void drawLine(const Line& line, const Weights& weights, int width, QRgb* pixels) {
+QRgb channel(std::int16_t sixteenths) {
+    const auto level = static_cast<std::int16_t>(static_cast<std::int16_t>(sixteenths + 8) >> 4);
+    return static_cast<QRgb>(std::clamp<std::int16_t>(level, 0, 255));
+}
+
+void drawLine(const uchar* luma, const Tint& tint, const Weights& weights, int width, QRgb* pixels) {
+    const std::int16_t* const red = tint.red.data();
+    const std::int16_t* const green = tint.green.data();
+    const std::int16_t* const blue = tint.blue.data();
+    const Weights by = weights;
     for (int x = 0; x < width; ++x) {
-        const int pair = x / 2 * line.step;
-        const int luma = weights.luma * (line.luma[x] - weights.black);
-        const int u = line.u[pair] - 128;
-        const int v = line.v[pair] - 128;
-        pixels[x] = qRgb(channel(luma + weights.redOfV * v),
-                         channel(luma + weights.greenOfU * u + weights.greenOfV * v),
-                         channel(luma + weights.blueOfU * u));
+        const std::int16_t grey = weigh(luma[x] - by.black, by.luma);
+        pixels[x] = 0xFF000000U | channel(static_cast<std::int16_t>(grey + red[x])) << 16 |
+                    channel(static_cast<std::int16_t>(grey + green[x])) << 8 |
+                    channel(static_cast<std::int16_t>(grey + blue[x]));
     }
 }
 
@@ -105,12 +139,14 @@ void drawPlanes(const QVideoFrame& frame, const Layout& layout, QImage& picture)
     const auto line = [&](int plane, int y) {
         return frame.bits(plane) + std::ptrdiff_t{y} * frame.bytesPerLine(plane);
     };
+    const auto mix = layout.step == 1 ? mixLine<1> : mixLine<2>;
+    Tint tint(frame.width());
     for (int y = 0; y < frame.height(); ++y) {
-        const Line planes{.luma = line(0, y),
-                          .u = line(layout.planeOfU, y / 2) + layout.offsetOfU,
-                          .v = line(layout.planeOfV, y / 2) + layout.offsetOfV,
-                          .step = layout.step};
-        drawLine(planes, weights, frame.width(), reinterpret_cast<QRgb*>(picture.scanLine(y)));
+        // Two lines have one colour.
+        if (y % 2 == 0)
+            mix(line(layout.planeOfU, y / 2) + layout.offsetOfU,
+                line(layout.planeOfV, y / 2) + layout.offsetOfV, weights, tint);
+        drawLine(line(0, y), tint, weights, frame.width(), reinterpret_cast<QRgb*>(picture.scanLine(y)));
     }
 }
 
