@@ -34,7 +34,7 @@ public:
     [[nodiscard]] const Property& getReplayTrackerUrls() const { return replayTrackerUrls_; }
 
     /// The trackers still to come. Reading leaves the list empty, whatever the entry holds.
-    ModelList<VLProgressTrackerModel> progressTrackingUrls;
+    AtomicProperty<ModelList<VLProgressTrackerModel>> progressTrackingUrls;
 
     AtomicProperty<Property> isStartTrackerReported{Property(false)};
     AtomicProperty<Property> isFirstQuartileTrackerReported{Property(false)};

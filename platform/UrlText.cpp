@@ -16,6 +16,19 @@ constexpr auto kQueryAllowed = kUnreservedAndSubDelims + urls::grammar::lut_char
 constexpr auto kHostAllowed = kUnreservedAndSubDelims + urls::grammar::lut_chars(":[]");
 constexpr auto kSchemeCharacters = urls::grammar::alnum_chars + urls::grammar::lut_chars("+-.");
 
+/// Browsers leave brackets in a query as they are, where RFC 3986 has none.
+std::string withBracketsEncoded(std::string_view url) {
+    std::string text(url.substr(0, url.find('?')));
+    for (const char c : url.substr(text.size())) {
+        if (c == '[' || c == ']') {
+            text += c == '[' ? "%5B" : "%5D";
+        } else {
+            text += c;
+        }
+    }
+    return text;
+}
+
 }  // namespace
 
 std::string percentEncoded(std::string_view text, UrlCharacters allowed) {
@@ -51,7 +64,8 @@ std::optional<std::string_view> urlHost(std::string_view url) {
 }
 
 std::optional<std::vector<UrlQueryItem>> queryItems(std::string_view url) {
-    const auto parsed = urls::parse_uri_reference({url.data(), url.size()});
+    const auto text = withBracketsEncoded(url);
+    const auto parsed = urls::parse_uri_reference(text);
     if (!parsed || !parsed->has_query()) return std::nullopt;
 
     std::vector<UrlQueryItem> items;

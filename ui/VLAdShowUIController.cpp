@@ -45,7 +45,7 @@ constexpr std::array kOrientations{
 std::shared_ptr<platform::ViewController> presenter() {
     auto controller = platform::Application::rootViewController();
     if (const auto navigation = std::dynamic_pointer_cast<platform::NavigationController>(controller))
-        controller = navigation->viewControllers().front();
+        controller = navigation->viewControllers().empty() ? nullptr : navigation->viewControllers().front();
     if (const auto tabBar = std::dynamic_pointer_cast<platform::TabBarController>(controller))
         controller = tabBar->selectedViewController();
     return controller;
@@ -102,10 +102,10 @@ void VLAdShowUIController::startShowingVideoAsReplay(bool replay) {
 
 void VLAdShowUIController::chooseSource() {
     const auto cacheType = requestOptions->getCacheTypeNumber();
-    if (cacheType == kStreamed) {
+    if (cacheType == kStreamed && creative()) {
         videoPathOrUrl = platform::asString(creative()->ctaUrl);
         videoView->setUrlString(videoPathOrUrl);
-    } else if (cacheType == kCached) {
+    } else if (cacheType == kCached && tAd) {
         videoPathOrUrl = tAd->getVideoFilePath();
         videoView->setVideoFilePath(videoPathOrUrl);
     }
@@ -161,9 +161,9 @@ void VLAdShowUIController::vlWebViewBridgeDismiss() {
 }
 
 void VLAdShowUIController::vlWebViewBridgeReplay() {
-    const auto from = webView ? webView->presentingViewController() : nullptr;
-    if (!from) return;
-    from->dismissViewControllerAnimated(
+    if (!webView || !webView->presentingViewController()) return;
+    // By the page itself, so that a second command during the animation finds nothing left to dismiss.
+    webView->dismissViewControllerAnimated(
         true, [controller = self()] { controller->startShowingVideoAsReplay(true); });
 }
 
@@ -195,7 +195,7 @@ void VLAdShowUIController::vlAVPlayerViewControllerCouldNotLoadVideoWithUrl(
     if (!platform::asBool(isResultReturned)) {
         isResultReturned = true;
         // A video that never had a length counts as completed.
-        const bool hasLength = platform::asInteger(controller.getVideoDuration()) > 0;
+        const bool hasLength = platform::asDouble(controller.getVideoDuration()) > 0;
         tellManager(hasLength ? isCompletedOrShownOnce() : true);
     }
     if (platform::asBool(isStateUpdated)) {
@@ -242,7 +242,9 @@ void VLAdShowUIController::tellManager(bool completed) const {
 }
 
 void VLAdShowUIController::dismissFromPresenter() {
-    if (const auto from = presentingViewController()) from->dismissViewControllerAnimated(true);
+    if (const auto from = presentingViewController()) return from->dismissViewControllerAnimated(true);
+    // It waits for its turn to be presented: this waits behind it.
+    if (const auto navigation = parentViewController()) navigation->dismissViewControllerAnimated(true);
 }
 
 void VLAdShowUIController::finishWithoutPage() {

@@ -12,7 +12,6 @@
 namespace velmora {
 
 class VLActionModel;
-class VLActivityIndicatorView;
 class VLAdRequestOptions;
 class VLAdShowOptions;
 class VLAdSuggestion;

@@ -112,9 +112,10 @@ void VLAdShowUIController::sendDueQuartiles(VLVastTrackingData& data, float prog
 }
 
 void VLAdShowUIController::sendDueOffsets(VLVastTrackingData& data, float progress, float currentTime) {
-    if (!data.progressTrackingUrls) return;
+    const auto entries = data.progressTrackingUrls.get();
+    if (!entries) return;
     std::vector<std::shared_ptr<VLProgressTrackerModel>> toCome;
-    for (const auto& entry : *data.progressTrackingUrls) {
+    for (const auto& entry : *entries) {
         if (!entry || !entry->first) continue;
         const auto offset = platform::asString(entry->first);
         if (offset && isProgressOffsetDue(*offset, progress, currentTime)) {
@@ -123,7 +124,8 @@ void VLAdShowUIController::sendDueOffsets(VLVastTrackingData& data, float progre
             toCome.push_back(entry);
         }
     }
-    data.progressTrackingUrls = makeList(std::move(toCome));
+    // The handle may be on its way to the store: its list is replaced, never changed.
+    if (toCome.size() != entries->size()) data.progressTrackingUrls.set(makeList(std::move(toCome)));
 }
 
 void VLAdShowUIController::updatePassedDuration() {

@@ -256,8 +256,8 @@ TEST(SerializedModel, VibrationPatternsAndProgressTrackersAreWrittenButNeverRead
     creative.vibrationPatterns =
         makeList<VLVibrationPattern>({std::make_shared<VLVibrationPattern>(1.5, std::nullopt)});
     creative.vastTrackingData = std::make_shared<VLVastTrackingData>();
-    creative.vastTrackingData->progressTrackingUrls =
-        makeList<VLProgressTrackerModel>({read<VLProgressTrackerModel>(R"({"first": "5%"})")});
+    creative.vastTrackingData->progressTrackingUrls.set(
+        makeList<VLProgressTrackerModel>({read<VLProgressTrackerModel>(R"({"first": "5%"})")}));
     const auto output = written(creative);
     EXPECT_EQ(output.at("vibrationPatterns"), valueOf(R"([{"vibrationStartMomentInSeconds": 1.5}])"));
     EXPECT_EQ(output.at("vastTrackingData").at("progressTrackingUrls"), valueOf(R"([{"first": "5%"}])"));

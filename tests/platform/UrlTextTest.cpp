@@ -50,6 +50,7 @@ TEST(UrlText, TheQueryIsReadPairByPair) {
         {"https://h/p", std::nullopt},
         {"https://h/p#?a=1", std::nullopt},
         {"https://h/p?a=%2", std::nullopt},
+        {"velmora://open?target=http://x/?ids[]=3", "target=http://x/?ids[]=3"},
         {"https://h/p?a=1 2", std::nullopt},
         {"https://h/p?a=س", std::nullopt},
         {"https://[h/p?a=1", std::nullopt},

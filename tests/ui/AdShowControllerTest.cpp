@@ -190,10 +190,12 @@ TEST_F(AdShow, AReplayFromThePageTracksNothingAgain) {
         players_.last()->reachEnd();
         EXPECT_TRUE(shows(shown->webView));
         EXPECT_TRUE(runUntil([&] { return shown->webView->view()->y() == 0; }));
+        // Clicked twice.
+        EXPECT_FALSE(pages_.made().front()->navigate("velmora://replay"));
         EXPECT_FALSE(pages_.made().front()->navigate("velmora://replay"));
         EXPECT_TRUE(shows(shown->videoView));
         EXPECT_EQ(players_.made(), 1U);
-        EXPECT_EQ(players_.last()->count("seek 0"), 1);
+        EXPECT_GE(players_.last()->count("seek 0"), 1);
         players_.last()->tick(4);
         shown->videoView->muteButtonClicked();
         shown->videoView->muteButtonClicked();
@@ -355,17 +357,17 @@ TEST_F(AdShow, TrackersThatAreNoneAreHarmlessAndOffsetsGoByTheirForms) {
         tracker->second = Property(server_.url("/" + event));
         return tracker;
     };
-    data->progressTrackingUrls = makeList<VLProgressTrackerModel>(
+    data->progressTrackingUrls.set(makeList<VLProgressTrackerModel>(
         {offset(std::nullopt, "none"), offset(Property("00:00:05.500"), "ms"),
          offset(Property("00:00:05"), "s"), offset(Property("0%"), "zero"),
-         offset(Property("25%"), "percent"), offset(Property("soon"), "text"), nullptr});
+         offset(Property("25%"), "percent"), offset(Property("soon"), "text"), nullptr}));
     play();
     shown->videoView->muteButtonClicked();
     players_.last()->tick(0);
-    EXPECT_THAT(*data->progressTrackingUrls, SizeIs(5));
+    EXPECT_THAT(*data->progressTrackingUrls.get(), SizeIs(5));
     players_.last()->tick(5.5);
     players_.last()->tick(5.75);
-    EXPECT_THAT(*data->progressTrackingUrls, SizeIs(3));
+    EXPECT_THAT(*data->progressTrackingUrls.get(), SizeIs(3));
     EXPECT_THAT(tracked(2), testing::UnorderedElementsAre("/ms", "/zero"));
 }
 
