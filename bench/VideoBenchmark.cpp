@@ -31,7 +31,7 @@ namespace velmora::bench {
 
 namespace {
 
-constexpr int kFirstFrames = 9;
+constexpr int kFirstFrames = 31;
 constexpr int kPlaybacks = 7;
 constexpr int kShows = 20;
 /// Of playback, after the first frame and whatever else belongs to the beginning.

@@ -19,11 +19,13 @@ Label::Label(QWidget* parent) : QWidget(parent) { setAttribute(Qt::WA_Transparen
 void Label::setText(const QString& text, const TextAttributeDictionary& attributes) {
     text_ = text;
     attributes_ = attributes;
+    picture_.forget();
     update();
 }
 
 void Label::setNumberOfLines(int number) {
     numberOfLines_ = number;
+    picture_.forget();
     update();
 }
 
@@ -36,9 +38,10 @@ void Label::sizeToFit() { resize(sizeThatFits(numberOfLines_ == 1 ? QWIDGETSIZE_
 
 void Label::paintEvent(QPaintEvent*) {
     if (text_.isEmpty()) return;
-    QPainter painter(this);
-    const TextLayout layout(text_, attributes_, size(), numberOfLines_);
-    layout.draw(painter, {0, (height() - layout.size().height()) / 2});
+    picture_.paint(*this, [this](QPainter& painter) {
+        const TextLayout layout(text_, attributes_, size(), numberOfLines_);
+        layout.draw(painter, {0, (height() - layout.size().height()) / 2});
+    });
 }
 
 }  // namespace velmora

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/KeptPicture.h"
 #include "ui/TextAttributeDictionary.h"
 
 #include <QString>
@@ -36,6 +37,7 @@ private:
     QString text_;
     TextAttributeDictionary attributes_;
     int numberOfLines_ = 1;
+    KeptPicture picture_;
 };
 
 }  // namespace velmora

@@ -49,6 +49,7 @@ void VLSimpleProgressView::configureView() {
 
 void VLSimpleProgressView::setProgress(double progress) {
     progress_ = progress;
+    picture_.forget();
     update();
 }
 
@@ -56,6 +57,7 @@ QColor VLSimpleProgressView::tintColor() const { return tintColor_.value_or(colo
 
 void VLSimpleProgressView::setTintColor(const std::optional<QColor>& color) {
     tintColor_ = color;
+    picture_.forget();
     update();
 }
 
@@ -65,10 +67,10 @@ bool VLSimpleProgressView::isSetHidden() const {
 }
 
 void VLSimpleProgressView::paintEvent(QPaintEvent*) {
-    if (!isSetHidden()) drawRect();
+    if (!isSetHidden()) picture_.paint(*this, [this](QPainter& painter) { drawRect(painter); });
 }
 
-void VLSimpleProgressView::drawRect() {
+void VLSimpleProgressView::drawRect(QPainter& painter) const {
     const auto radius = width() / 2.0 - kTrackWidth / 2;
     if (radius <= 0) return;
     const QPointF center(width() / 2.0, height() / 2.0);
@@ -77,7 +79,6 @@ void VLSimpleProgressView::drawRect() {
     auto faint = tint;
     faint.setAlphaF(kTrackAlpha);
 
-    QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(faint, kTrackWidth, Qt::SolidLine, Qt::FlatCap));
     painter.drawEllipse(circle);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/KeptPicture.h"
+
 #include <optional>
 
 #include <QColor>
@@ -27,11 +29,12 @@ protected:
 
 private:
     void configureView();
-    void drawRect();
+    void drawRect(QPainter& painter) const;
     bool isSetHidden() const;
 
     double progress_ = 0;
     std::optional<QColor> tintColor_;
+    KeptPicture picture_;
 };
 
 }  // namespace velmora
