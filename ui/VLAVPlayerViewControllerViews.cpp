@@ -44,6 +44,7 @@ View* VLAVPlayerViewController::subview(QPointer<View>& view, const QRect& frame
 ImageButton* VLAVPlayerViewController::exitButton() {
     if (exitButton_) return exitButton_;
     auto* button = subview(exitButton_, QRect(0, 0, 32, 32));
+    button->setObjectName("exitButton");
     button->setImage(Bundle::resourcePath("Close.png"));
     button->show();
     return button;
@@ -52,6 +53,7 @@ ImageButton* VLAVPlayerViewController::exitButton() {
 ImageButton* VLAVPlayerViewController::muteButton() {
     if (muteButton_) return muteButton_;
     auto* button = subview(muteButton_, QRect(0, 0, kSide, kSide));
+    button->setObjectName("muteButton");
     button->show();
     return button;
 }
@@ -59,6 +61,7 @@ ImageButton* VLAVPlayerViewController::muteButton() {
 ImageButton* VLAVPlayerViewController::skipButton() {
     if (skipButton_) return skipButton_;
     auto* button = subview(skipButton_, QRect(0, 0, kSide, kSide));
+    button->setObjectName("skipButton");
     button->setImage(Bundle::resourcePath("Skip.png"));
     button->hide();
     return button;
