@@ -1,0 +1,38 @@
+#pragma once
+
+#include <optional>
+
+#include <QSize>
+#include <QString>
+
+class QCoreApplication;
+
+namespace demo {
+
+/// What the command line asks for.
+struct Arguments {
+    /// Runs the zones by itself and ends.
+    bool isAuto = false;
+    /// A line of JSON for every event.
+    bool json = false;
+    bool dark = false;
+    bool debug = false;
+    /// The only zone to run; empty for all.
+    QString zone;
+    /// Where the report goes; a folder of its own under the temporary one when none was named.
+    QString report;
+    /// Of the sandbox ad service, ending in a slash; empty when there is none to look into.
+    QString inspector;
+    QSize size{1280, 800};
+};
+
+/// Absent when the command line is at fault, which it has said then. Ends the process for `--help`.
+[[nodiscard]] std::optional<Arguments> parse(const QCoreApplication& application);
+
+/// What has to be settled before there is an application: without a display the window lives in memory, on a
+/// screen of the size that the command line names.
+void prepareDisplay(int count, char** words);
+
+[[nodiscard]] bool hasDisplay();
+
+}  // namespace demo

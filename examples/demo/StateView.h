@@ -1,0 +1,22 @@
+#pragma once
+
+#include "StoredState.h"
+
+#include <QLabel>
+#include <QTimer>
+
+namespace demo {
+
+/// What the library keeps, as it changes.
+class StateView : public QLabel {
+public:
+    explicit StateView(QString file, QWidget* parent = nullptr);
+
+    void refresh();
+
+private:
+    const QString file_;
+    QTimer often_;
+};
+
+}  // namespace demo
