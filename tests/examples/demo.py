@@ -1,0 +1,97 @@
+"""The demo application runs by itself, says how each showing went, and ends whatever happens.
+
+Arguments: the sandbox ad service and the demo application.
+"""
+
+import json
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+
+SERVICE, DEMO = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
+
+
+class Demo(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        (self.folder / "videos").mkdir()
+        command = [SERVICE, "--videos", self.folder / "videos", "--expiring-millis", "15000", "--with-parent"]
+        self.service = subprocess.Popen(command, stdout=subprocess.PIPE, text=True)
+        self.addCleanup(self.service.stdout.close)
+        self.addCleanup(self.service.wait)
+        self.addCleanup(self.service.terminate)
+        self.facts = json.loads(self.service.stdout.readline())
+
+    def start(self, *arguments):
+        variables = os.environ | {
+            "VELMORA_API_BASE_URL": self.facts["api"],
+            "VELMORA_CA_FILE": self.facts["ca"],
+            "XDG_DATA_HOME": str(self.folder),
+            "QTWEBENGINE_DISABLE_SANDBOX": "1",
+            "QT_QPA_PLATFORM": "offscreen",
+            "ALSOFT_DRIVERS": "null",
+        }
+        command = [DEMO, "--auto", "--json", "--inspector", self.facts["inspector"], "--report", self.folder / "report"]
+        demo = subprocess.Popen(
+            [*command, *arguments], env=variables, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True
+        )
+        self.addCleanup(demo.kill)
+        return demo
+
+    def run_zone(self, zone):
+        demo = self.start("--zone", zone)
+        lines, _ = demo.communicate(timeout=60)
+        return demo.returncode, [json.loads(line) for line in lines.splitlines()]
+
+    def test_a_page_is_shown_and_put_away_and_every_step_is_in_the_report(self):
+        status, events = self.run_zone("banner")
+        shown = ["request", "adAvailable", "show", "visited"]
+        self.assertEqual([event["event"] for event in events], [*shown, *shown, "ended"])
+        self.assertEqual([event["deviations"] for event in events if event["event"] == "visited"], [[], []])
+        self.assertEqual(events[1]["thread"], "background")
+        self.assertEqual(status, 0)
+
+        report = pathlib.Path(events[-1]["report"])
+        pictures = re.findall(r"src='([^']+)'", report.read_text())
+        self.assertGreater(len(pictures), 8)
+        for picture in pictures:
+            self.assertGreater((report.parent / picture).stat().st_size, 1000, picture)
+
+    def test_a_video_that_cannot_be_loaded_is_told_as_completed(self):
+        status, events = self.run_zone("broken-video")
+        finished = [(event["completed"], event["thread"]) for event in events if event["event"] == "adShowFinished"]
+        self.assertEqual((status, finished), (0, [(True, "main")]))
+
+    def test_a_show_that_ends_otherwise_than_its_zone_says_is_a_failure(self):
+        # There is no file for it here.
+        status, events = self.run_zone("skippable-video")
+        self.assertEqual((status, events[-1]["asPlanned"]), (1, False))
+        deviations = "\n".join(events[-2]["deviations"])
+        self.assertIn("expected not completed; came completed", deviations)
+        self.assertIn("trackers: expected start, skip, complete; came none", deviations)
+
+    def test_a_service_that_goes_away_ends_the_run(self):
+        demo = self.start("--zone", "expiring")
+        while json.loads(demo.stdout.readline())["event"] != "adAvailable":
+            pass
+        self.service.terminate()
+        lines, _ = demo.communicate(timeout=30)
+        last = json.loads(lines.splitlines()[-1])
+        self.assertEqual((demo.returncode, last["asPlanned"]), (1, False))
+        self.assertIn("went away", last["trouble"])
+
+    def test_what_it_does_not_know_it_refuses(self):
+        for arguments in (["--zone", "nowhere"], ["--size", "wide"], ["word"]):
+            demo = self.start(*arguments)
+            lines, errors = demo.communicate(timeout=30)
+            self.assertEqual((demo.returncode, lines), (2, ""))
+            self.assertIn("see --help", errors)
+
+
+unittest.main(argv=sys.argv[:1])
