@@ -159,7 +159,7 @@ int countWhatShowsLeave(const std::string& video) {
 }
 
 int compareAll(const std::string& video) {
-    const auto screen = platform::Application::mainScreenSize();
+    const auto screen = platform::Screen::main().size;
     std::printf("On a screen of %.0fx%.0f\n", screen.width, screen.height);
     heading("A video of 1280x720, p50");
     return compareFirstFrames(video) + comparePlayback(video) + countWhatShowsLeave(video);

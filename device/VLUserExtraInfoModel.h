@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/AtomicProperty.h"
 #include "model/VLSerializedModel.h"
 
 namespace velmora {
@@ -10,7 +11,8 @@ class GeoInfo;
 class VLUserExtraInfoModel final : public VLSerializedModel {
 public:
     /// The shared description, made anew by every call once there is one; null in this version, in which
-    /// nothing makes the first. Any thread.
+    /// nothing makes the first. What the device does not tell is absent; the place is filled in later, if the
+    /// user lets it be known. Any thread; waits 50 ms at most for services of the desktop.
     [[nodiscard]] static std::shared_ptr<VLUserExtraInfoModel> getInstance();
 
     Property imei;
@@ -29,7 +31,19 @@ public:
     Property mnc;                      ///< mobile network code
 
 private:
+    friend class VLUserExtraInfoModelGate;
+
+    using Slot = AtomicProperty<std::shared_ptr<VLUserExtraInfoModel>>;
+
+    /// Nothing in the library fills it while it is empty.
+    [[nodiscard]] static Slot& sharedInstance();
+
     [[nodiscard]] const Schema& schema() const override;
+
+    void fill();
+    void fillScreen();
+    void fillCarrierAndLanguage();
+    void fillPlace();
 };
 
 }  // namespace velmora

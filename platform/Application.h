@@ -7,26 +7,6 @@ namespace velmora::platform {
 
 class ViewController;
 
-/// Which way up the interface is; the numbers are those that the ad service and its pages know.
-enum class InterfaceOrientation : int {
-    unknown = 0,
-    portrait = 1,
-    portraitUpsideDown = 2,
-    landscapeRight = 3,
-    landscapeLeft = 4,
-};
-
-[[nodiscard]] constexpr bool isLandscape(InterfaceOrientation orientation) {
-    return orientation == InterfaceOrientation::landscapeRight ||
-           orientation == InterfaceOrientation::landscapeLeft;
-}
-
-/// In device-independent pixels.
-struct ScreenSize {
-    double width = 0;
-    double height = 0;
-};
-
 /// The application that hosts the library. Main thread only.
 class Application {
 public:
@@ -42,11 +22,6 @@ public:
 
     /// For applications and tests with controllers of their own; null goes back to the active window's.
     static void setRootViewController(std::shared_ptr<ViewController> controller);
-
-    /// By the shape of the screen and how it is turned.
-    [[nodiscard]] static InterfaceOrientation statusBarOrientation();
-
-    [[nodiscard]] static ScreenSize mainScreenSize();
 
     /// Whether the desktop has a program for the URL's scheme. False for what is no URL.
     [[nodiscard]] static bool canOpenUrl(const std::string& url);

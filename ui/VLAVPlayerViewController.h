@@ -1,8 +1,8 @@
 #pragma once
 
 #include "model/VLDirectCreativeModel.h"
-#include "platform/Application.h"
 #include "platform/Player.h"
+#include "platform/Screen.h"
 #include "platform/Value.h"
 #include "platform/ViewController.h"
 #include "ui/TextAttributeDictionary.h"

@@ -111,7 +111,7 @@ void VLAVPlayerViewController::makeLabelAttributes() {
 
 platform::ScreenSize VLAVPlayerViewController::screenSize() {
     // The platform gives it as the interface is turned; nothing is to be swapped.
-    return platform::Application::mainScreenSize();
+    return platform::Screen::main().size;
 }
 
 void VLAVPlayerViewController::viewDidLayoutSubviews() {

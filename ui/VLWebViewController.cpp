@@ -51,7 +51,7 @@ void VLWebViewController::setUrlString(std::optional<std::string> urlString) {
 
 platform::ScreenSize VLWebViewController::screenSize() {
     // This host measures its screen the way it is turned, so that nothing is to be exchanged here.
-    return platform::Application::mainScreenSize();
+    return platform::Screen::main().size;
 }
 
 void VLWebViewController::exitButtonTouched() { dismissViewControllerAnimated(true); }

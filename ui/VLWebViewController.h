@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/Application.h"
 #include "platform/Page.h"
+#include "platform/Screen.h"
 #include "platform/UrlText.h"
 #include "platform/ViewController.h"
 

@@ -46,27 +46,6 @@ void Application::setRootViewController(std::shared_ptr<ViewController> controll
     RootControllers::instance().set(std::move(controller));
 }
 
-InterfaceOrientation Application::statusBarOrientation() {
-    if (!hasScreen()) return InterfaceOrientation::unknown;
-    const auto* screen = QGuiApplication::primaryScreen();
-    switch (screen->orientation()) {
-    case Qt::PortraitOrientation: return InterfaceOrientation::portrait;
-    case Qt::InvertedPortraitOrientation: return InterfaceOrientation::portraitUpsideDown;
-    case Qt::LandscapeOrientation: return InterfaceOrientation::landscapeRight;
-    case Qt::InvertedLandscapeOrientation: return InterfaceOrientation::landscapeLeft;
-    default: break;
-    }
-    const auto size = screen->size();
-    return size.width() > size.height() ? InterfaceOrientation::landscapeRight
-                                        : InterfaceOrientation::portrait;
-}
-
-ScreenSize Application::mainScreenSize() {
-    if (!hasScreen()) return {};
-    const auto size = QGuiApplication::primaryScreen()->size();
-    return {static_cast<double>(size.width()), static_cast<double>(size.height())};
-}
-
 bool Application::canOpenUrl(const std::string& url) {
     // C ends a text at a zero byte: what would be opened is not what was asked.
     if (url.find('\0') != std::string::npos) return false;

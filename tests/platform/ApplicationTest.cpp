@@ -1,4 +1,5 @@
 #include "platform/Application.h"
+#include "platform/Screen.h"
 
 #include "support/Environment.h"
 #include "support/EventLoop.h"
@@ -8,8 +9,11 @@
 
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <string>
 
+#include <QGuiApplication>
+#include <QScreen>
 #include <QWidget>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -21,11 +25,12 @@ namespace {
 using platform::Application;
 
 TEST(Application, TheInterfaceStandsAsTheScreenDoes) {
-    const auto size = Application::mainScreenSize();
+    // Any thread may ask.
+    const auto [size, scale, orientation] = std::async(platform::Screen::main).get();
     ASSERT_GT(size.width, 0);
-    EXPECT_EQ(isLandscape(Application::statusBarOrientation()), size.width > size.height);
-    EXPECT_EQ(Application::statusBarOrientation() == platform::InterfaceOrientation::portrait,
-              size.height >= size.width);
+    EXPECT_EQ(isLandscape(orientation), size.width > size.height);
+    EXPECT_EQ(orientation == platform::InterfaceOrientation::portrait, size.height >= size.width);
+    EXPECT_EQ(scale, QGuiApplication::primaryScreen()->devicePixelRatio());
 }
 
 TEST(Application, EachWindowHasOneRootForAsLongAsItLives) {

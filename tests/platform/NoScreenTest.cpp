@@ -1,4 +1,5 @@
 #include "platform/Application.h"
+#include "platform/Screen.h"
 #include "platform/ViewController.h"
 #include "support/Application.h"
 #include "support/LogCapture.h"
@@ -19,8 +20,8 @@ TEST(NoScreen, NothingIsPresentedAndNothingFails) {
         const LogCapture log;
         EXPECT_FALSE(platform::Application::hasScreen());
         EXPECT_EQ(platform::Application::rootViewController(), nullptr);
-        EXPECT_EQ(platform::Application::mainScreenSize().width, 0);
-        EXPECT_EQ(platform::Application::statusBarOrientation(), platform::InterfaceOrientation::unknown);
+        EXPECT_EQ(platform::Screen::main().size.width, 0);
+        EXPECT_EQ(platform::Screen::main().orientation, platform::InterfaceOrientation::unknown);
         EXPECT_FALSE(platform::Application::canOpenUrl("no-such-scheme:x"));
 
         const auto root = std::make_shared<platform::ViewController>();

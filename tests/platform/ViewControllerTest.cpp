@@ -1,6 +1,7 @@
 #include "platform/ViewController.h"
 
 #include "platform/Application.h"
+#include "platform/Screen.h"
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
 #include "support/Screens.h"
@@ -34,7 +35,7 @@ TEST_F(Screens, APresentedOneIsLoadedLaidOutMovedInAndThenAppears) {
     EXPECT_EQ(root()->presentedViewController(), first);
     EXPECT_TRUE(heard("done"));
     EXPECT_THAT(events_, ElementsAre("a loaded", "a laid out", "a appeared", "done"));
-    const auto size = Application::mainScreenSize();
+    const auto size = platform::Screen::main().size;
     EXPECT_EQ(first->view()->width(), size.width);
     EXPECT_EQ(first->view()->height(), size.height);
     EXPECT_TRUE(first->view()->isVisible());

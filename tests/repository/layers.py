@@ -26,7 +26,7 @@ UPWARD = {
 FOR_EVERYBODY = {"core/VLLog.h"}
 
 # What only platform/desktop may include.
-BENEATH = re.compile(r"^(curl/|sqlite3\.h|dbus/|gio/|glib|QtNetwork|QNetwork|QtMultimedia|QMedia|QVideo|QtWebEngine|QWebEngine|QDBus)")
+BENEATH = re.compile(r"^(curl/|sqlite3\.h|dbus/|gio/|glib|QtNetwork|QNetwork|QtMultimedia|QMedia|QVideo|QGeo|QtWebEngine|QWebEngine|QDBus)")
 PUBLIC_MAY_INCLUDE = re.compile(r"^(velmora/[\w.]+|[a-z_]+)$")
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)

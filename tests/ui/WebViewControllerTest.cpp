@@ -1,6 +1,7 @@
 #include "ui/VLWebViewController.h"
 
 #include "platform/Application.h"
+#include "platform/Screen.h"
 #include "support/EventLoop.h"
 #include "support/ScriptedPage.h"
 
@@ -115,7 +116,7 @@ TEST_F(WebViewController, ThePageGoesWithItsControllerAndTheDelegateIsNotKept) {
 
 TEST_F(WebViewController, ThePageCoversTheScreenAndHidesTheStatusBar) {
     present();
-    const auto size = platform::Application::mainScreenSize();
+    const auto size = platform::Screen::main().size;
     EXPECT_EQ(page().widget->geometry(), QRect(0, 0, int(size.width), int(size.height)));
     EXPECT_TRUE(page().widget->isVisible());
     EXPECT_EQ(VLWebViewController::screenSize().width, size.width);

@@ -1,0 +1,51 @@
+"""A mock of GeoClue for python-dbusmock: one client, which gets one position when it starts.
+
+Parameters: "level" is the accuracy that is to be had, 0 where the user turned it off; "location" replaces properties of the
+position; "silent" starts and gives none; "denied" refuses to start; "late" is how many seconds each answer takes.
+"""
+
+import dbus
+
+BUS_NAME = "org.freedesktop.GeoClue2"
+MAIN_OBJ = "/org/freedesktop/GeoClue2/Manager"
+MAIN_IFACE = BUS_NAME + ".Manager"
+SYSTEM_BUS = True
+
+CLIENT = "/org/freedesktop/GeoClue2/Client/1"
+LOCATION = CLIENT + "/Location/0"
+
+START = f"""
+self.EmitSignal('{BUS_NAME}.Client', 'LocationUpdated', 'oo', [dbus.ObjectPath('/'), dbus.ObjectPath('{LOCATION}')])
+"""
+REFUSE = "raise dbus.exceptions.DBusException('the user said no', name='org.freedesktop.DBus.Error.AccessDenied')"
+
+
+def load(mock, parameters):
+    wait = f"import time; time.sleep({float(parameters.get('late', 0))})\n"
+    start = REFUSE if parameters.get("denied") else "" if parameters.get("silent") else START
+    properties = {"AvailableAccuracyLevel": dbus.UInt32(parameters.get("level", 8)), "InUse": False}
+    mock.AddProperties(MAIN_IFACE, dbus.Dictionary(properties, signature="sv"))
+    for name in ("GetClient", "CreateClient"):
+        mock.AddMethod(MAIN_IFACE, name, "", "o", wait + f"ret = dbus.ObjectPath('{CLIENT}')")
+    mock.AddMethod(MAIN_IFACE, "DeleteClient", "o", "", "")
+    client = {
+        "Location": dbus.ObjectPath("/"),
+        "DesktopId": "",
+        "DistanceThreshold": dbus.UInt32(0),
+        "TimeThreshold": dbus.UInt32(0),
+        "RequestedAccuracyLevel": dbus.UInt32(0),
+        "Active": False,
+    }
+    mock.AddObject(CLIENT, BUS_NAME + ".Client", client, [("Start", "", "", wait + start), ("Stop", "", "", "")])
+    location = {
+        "Latitude": 35.6895,
+        "Longitude": 51.389,
+        "Accuracy": 12.5,
+        "Altitude": 1191.0,
+        "Speed": -1.0,
+        "Heading": -1.0,
+        "Description": "",
+        "Timestamp": dbus.Struct([dbus.UInt64(1700000000), dbus.UInt64(0)], signature="tt"),
+    }
+    location.update(parameters.get("location", {}))
+    mock.AddObject(LOCATION, BUS_NAME + ".Location", location, [])
