@@ -12,6 +12,7 @@
 #include <velmora/VLConfiguration.h>
 #include <velmora/VLLog.h>
 #include <velmora/VelmoraAd.h>
+#include <velmora/VelmoraVAST.h>
 #include <velmora/constants.h>
 #include <velmora/export.h>
 

@@ -6,11 +6,12 @@ import sys
 
 PUBLIC = re.compile(
     r"^(TYPE_DISABLE_BACK|VelmoraSDKv3VersionNumber|VelmoraSDKv3VersionString"
-    r"|velmora::(Velmora|VelmoraAd|VLAdRequestOptions|VLAdShowOptions|VLConfiguration)::~?\w+(\[abi:cxx11\])?\(.*\)( const)?"
+    r"|velmora::(Velmora|VelmoraAd|VLAdRequestOptions|VLAdShowOptions|VLConfiguration|VelmoraVAST)::~?\w+(\[abi:cxx11\])?\(.*\)( const)?"
     r"|velmora::VLLog\(.*\))$"
 )
 EXPECTED = ["TYPE_DISABLE_BACK", "VelmoraSDKv3VersionNumber", "VelmoraSDKv3VersionString", "velmora::VLLog(",
-            "velmora::Velmora::initializeWithAppKey(", "velmora::VelmoraAd::isValid() const"]
+            "velmora::Velmora::initializeWithAppKey(", "velmora::VelmoraAd::isValid() const",
+            "velmora::VelmoraVAST::getVastUrlForZone("]
 
 nm, library = sys.argv[1:]
 lines = subprocess.run([nm, "-DC", "--defined-only", library], check=True, capture_output=True, text=True).stdout

@@ -20,6 +20,7 @@ UPWARD = {
     ("model/VLRewardRequestJsonParams.cpp", "device/VLUserExtraInfoModel.h"),
     ("net/VLRequestHeaders.cpp", "core/VLBuildVariants.h"),
     ("net/VLRequestHeaders.cpp", "core/VelmoraManager.h"),
+    ("net/VelmoraVAST.cpp", "core/VelmoraManager.h"),
     ("ui/VLAdShowUIController.cpp", "core/VLAdShowOptionsState.h"),
     ("ui/VLAdShowUIController.cpp", "core/VelmoraManager.h"),
 }

@@ -1,0 +1,106 @@
+#include <velmora/VelmoraVAST.h>
+
+#include "core/VLLog.h"
+#include "core/VelmoraManager.h"
+#include "device/VLDeviceAppInfo.h"
+#include "device/VLUserExtraInfoModel.h"
+#include "model/VLDefaults.h"
+#include "net/VLRequestHeaders.h"
+#include "net/VLWebServices.h"
+#include "platform/UrlText.h"
+
+namespace velmora {
+
+namespace {
+
+std::optional<std::string> textOfVersion(int version) {
+    switch (version) {
+    case 2: return "2";
+    case 3: return "3";
+    default: return std::nullopt;
+    }
+}
+
+std::optional<std::string> textOfType(int type) {
+    switch (type) {
+    case 1: return "1";
+    case 2: return "2";
+    default: return std::nullopt;
+    }
+}
+
+/// A text of the device's description, which may itself be absent.
+std::optional<std::string> textIn(const std::shared_ptr<VLUserExtraInfoModel>& info,
+                                  Property VLUserExtraInfoModel::*property) {
+    return info ? platform::asString((*info).*property) : std::nullopt;
+}
+
+/// A value of it as a format writes it, which has a text for an absent one too.
+std::string formattedIn(const std::shared_ptr<VLUserExtraInfoModel>& info,
+                        Property VLUserExtraInfoModel::*property) {
+    if (!info || !((*info).*property)) return "(null)";
+    return platform::description(*((*info).*property));
+}
+
+/// What the service is told in the query, without the headers.
+Dictionary parametersFor(const std::string& key, int type, int version) {
+    using Info = VLUserExtraInfoModel;
+    const auto info = Info::getInstance();
+    const auto model = VLDeviceAppInfo::deviceModel();
+
+    Dictionary parameters;
+    const auto set = [&](const char* name, const std::optional<std::string>& value) {
+        if (value) parameters[name] = *value;
+    };
+    set("secretKey", key);
+    set("targetPlatform", "2");
+    set("osVersion", VLDeviceAppInfo::deviceOSVersion());
+    set("sdkVersion", VelmoraManager::sdkVersion());
+    set("sdkType", "video-sdk");
+    set("deviceModel", model);
+    set("osId", VLDeviceAppInfo::deviceIdentifier());
+    set("osAdvertisingId", VLDeviceAppInfo::advertisingIdentifier());
+    set("vastVersion", textOfVersion(version));
+    set("appVersion", textIn(info, &Info::appVersion));
+    set("deviceBrand", textIn(info, &Info::deviceBrand));
+    set("deviceLanguage", textIn(info, &Info::deviceLanguage));
+    set("deviceManufacturer", textIn(info, &Info::deviceManufacturer));
+    set("mcc", formattedIn(info, &Info::mcc));
+    set("mnc", formattedIn(info, &Info::mnc));
+    // The service takes the model for all four.
+    set("screenDensity", model);
+    set("screenHeight", model);
+    set("screenOrientation", model);
+    set("screenWidth", model);
+    set("prerollType", textOfType(type));
+    set("t-user-id", VLDefaults::getVelmoraUserId());
+    return parameters;
+}
+
+std::string queryOf(const Dictionary& parameters) {
+    const auto encoded = [](std::string_view text) {
+        return platform::percentEncoded(text, platform::UrlCharacters::queryAllowed);
+    };
+    std::string query;
+    for (const auto& [name, value] : parameters) {
+        if (!query.empty()) query += '&';
+        query += encoded(name) + '=' + encoded(value.as_string());
+    }
+    return query;
+}
+
+}  // namespace
+
+std::optional<std::string> VelmoraVAST::getVastUrlForZone(const std::optional<std::string>& zone,
+                                                          int withType, int ofVastVersion) {
+    const auto key = VLDefaults::getDeveloperKey();
+    if (!key) {
+        VLLog("Velmora must be initialized before requesting ad");
+        return std::nullopt;
+    }
+    auto parameters = parametersFor(*key, withType, ofVastVersion);
+    for (const auto& [name, value] : VLRequestHeaders::getHeaders()) parameters[name] = value;
+    return VLWebServices::getVastUrlForZone(zone) + '?' + queryOf(parameters);
+}
+
+}  // namespace velmora
