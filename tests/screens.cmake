@@ -4,7 +4,7 @@ function(velmora_add_gui_tests name)
     target_link_libraries(${name} PRIVATE velmora_test_support Qt6::Widgets)
     target_precompile_headers(${name} REUSE_FROM velmora_test_support)
     add_dependencies(${name} velmora_resources)
-    gtest_discover_tests(${name} TEST_PREFIX "${name}." PROPERTIES
+    gtest_discover_tests(${name} TEST_PREFIX "${name}." NO_PRETTY_VALUES PROPERTIES
         TIMEOUT 120 ENVIRONMENT "VELMORA_RESOURCES=${VELMORA_RESOURCES}")
 endfunction()
 
@@ -50,6 +50,22 @@ velmora_add_gui_tests(show
     support/ScriptedPlayer.cpp
     support/ScriptedServer.cpp)
 target_link_libraries(show PRIVATE velmora_sandbox OpenSSL::SSL)
+
+# With services of the desktop on a system bus of their own.
+velmora_add_gui_tests(device
+    device/LocationTest.cpp
+    device/TelephonyTest.cpp
+    device/UserInfoTest.cpp)
+target_link_libraries(device PRIVATE velmora_sandbox)
+add_dependencies(device velmora-facts)
+target_compile_definitions(device PRIVATE
+    VELMORA_FACTS="$<TARGET_FILE:velmora-facts>"
+    VELMORA_SYSTEM_SERVICES="${PROJECT_SOURCE_DIR}/sandbox/services/system-services")
+file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/device.velmora.json
+    "{\"identifier\": \"com.example.device\", \"version\": \"1.4\"}\n")
+add_test(NAME device.OnAPhone COMMAND device --gtest_filter=UserInfo.WithoutAnyService*)
+set_tests_properties(device.OnAPhone PROPERTIES ENVIRONMENT
+    "QT_QPA_PLATFORM=offscreen:configfile=${CMAKE_CURRENT_SOURCE_DIR}/device/phone.json")
 
 # Pictures to look at, of what only an eye can judge.
 foreach(program screenshots playerscreenshots)

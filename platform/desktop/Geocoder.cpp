@@ -55,7 +55,10 @@ std::string urlFor(const std::string& base, const Location& location) {
 /// The place, or why there is none.
 std::pair<std::vector<Placemark>, std::optional<std::string>> read(const UrlOutcome& outcome,
                                                                    const Location& location) {
-    if (outcome.error) return {{}, outcome.error->description};
+    if (outcome.error) {
+        return {{},
+                "transport error " + std::to_string(outcome.error->code) + ": " + outcome.error->description};
+    }
     if (!outcome.response || outcome.response->statusCode != kOk || !outcome.data)
         return {{}, "the service did not answer with a place"};
     if (outcome.data->size() > kLongestAnswer) return {{}, "the answer is too long for a place"};

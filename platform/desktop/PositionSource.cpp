@@ -28,10 +28,16 @@ double accuracyOr(double unknown, const QGeoPositionInfo& info, QGeoPositionInfo
     return std::isfinite(accuracy) ? accuracy : unknown;
 }
 
-/// Absent for what is no measurement: the toolkit first tells the position that it kept from an earlier run,
-/// which has no accuracy.
+/// The toolkit first tells the position that it kept from an earlier run, which has no accuracy; and of a
+/// coordinate that is no number it makes 0.
+bool isMeasured(const QGeoPositionInfo& info) {
+    const auto position = info.coordinate();
+    return info.isValid() && info.hasAttribute(QGeoPositionInfo::HorizontalAccuracy) &&
+           position.latitude() != 0 && position.longitude() != 0;
+}
+
 std::optional<Location> locationOf(const QGeoPositionInfo& info) {
-    if (!info.isValid() || !info.hasAttribute(QGeoPositionInfo::HorizontalAccuracy)) return std::nullopt;
+    if (!isMeasured(info)) return std::nullopt;
     constexpr double unknown = Location().horizontalAccuracy;
     Location location{.latitude = info.coordinate().latitude(), .longitude = info.coordinate().longitude()};
     location.horizontalAccuracy = accuracyOr(unknown, info, QGeoPositionInfo::HorizontalAccuracy);

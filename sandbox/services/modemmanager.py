@@ -1,7 +1,7 @@
 """A mock of ModemManager for python-dbusmock: one modem with a SIM card in it.
 
 Parameters: "sim", "network" and "modem" replace properties of the interfaces Sim, Modem3gpp and Modem; "late" is how many
-seconds each answer takes; "objects" is answered in the place of the objects.
+seconds each answer takes; "objects" is answered in the place of the objects; "endless" is the length of the carrier's name.
 """
 
 import dbus
@@ -22,6 +22,8 @@ def load(mock, parameters):
     modem = {"Manufacturer": "Sandbox", "Sim": dbus.ObjectPath(SIM)}
     for properties, name in ((sim, "sim"), (network, "network"), (modem, "modem")):
         properties.update(parameters.get(name, {}))
+    if "endless" in parameters:
+        sim["OperatorName"] = network["OperatorName"] = "x" * parameters["endless"]
 
     interfaces = {BUS_NAME + ".Modem": modem, BUS_NAME + ".Modem.Modem3gpp": network}
     signature = "sa{sv}"

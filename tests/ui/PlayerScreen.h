@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Application.h"
 #include "support/EventLoop.h"
 #include "support/ManualClock.h"
 #include "support/ScriptedPlayer.h"

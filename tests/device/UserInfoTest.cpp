@@ -1,0 +1,145 @@
+#include "device/GeoInfo.h"
+#include "device/GeoInfoLocationIOS.h"
+#include "platform/Location.h"
+#include "platform/Telephony.h"
+#include "sandbox/Sandbox.h"
+#include "support/Environment.h"
+#include "support/EventLoop.h"
+#include "support/Records.h"
+#include "support/SystemServices.h"
+#include "support/Threads.h"
+#include "tools/UserInfoGate.h"
+
+#include <chrono>
+
+#include <QGuiApplication>
+#include <QScreen>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace velmora::test {
+
+namespace {
+
+using namespace std::chrono_literals;
+using platform::LocationManager;
+
+/// The screen and the application are those of this program, and the gate is open.
+class UserInfo : public testing::Test {
+protected:
+    UserInfo() { VLUserExtraInfoModelGate::open(); }
+
+    /// Once the services of the desktop have been heard.
+    static std::shared_ptr<VLUserExtraInfoModel> whenTheyAreHeard() {
+        runUntil([] { return platform::Telephony::subscriberCellularProvider().has_value(); }, 5s);
+        runUntil(&LocationManager::locationServicesEnabled, 5s);
+        return VLUserExtraInfoModel::getInstance();
+    }
+
+    const Environment language_{"LANGUAGE", "fa_IR:en"};
+};
+
+TEST(UserInfoGate, IsShut) {
+    for (int time = 0; time < 3; ++time) EXPECT_EQ(VLUserExtraInfoModel::getInstance(), nullptr);
+}
+
+TEST_F(UserInfo, WithoutAnyServiceItHasWhatTheMachineItselfTells) {
+    const NoSystemServices none;
+    auto record = written(*VLUserExtraInfoModel::getInstance()).as_object();
+    const auto* screen = QGuiApplication::primaryScreen();
+    const auto size = screen->size() * screen->devicePixelRatio();
+    EXPECT_EQ(record["screenWidth"], double(size.width()));
+    EXPECT_EQ(record["screenHeight"], double(size.height()));
+    EXPECT_EQ(record["screenDensity"], screen->devicePixelRatio() * 160);
+    EXPECT_EQ(record["screenOrientation"], size.width() > size.height() ? 2 : 1);
+    for (const char* name : {"screenWidth", "screenHeight", "screenDensity", "screenOrientation"})
+        record.erase(name);
+    EXPECT_EQ(Value(record),
+              valueOf(R"({"appVersion": "1.4", "deviceManufacturer": "Apple", "deviceBrand": "Apple",
+                                         "deviceLanguage": "fa-IR"})"));
+}
+
+TEST_F(UserInfo, WithAllServicesItHasTheCarrierAndThePlaceToo) {
+    const sandbox::Sandbox service;
+    const Environment geocoder("VELMORA_GEOCODER_URL", service.plainUrl("/geocoder").c_str());
+    const SystemServices services(
+        R"({"modemmanager": {"sim": {"OperatorIdentifier": "43205"}},
+            "geoclue": {"location": {"Latitude": 47.5, "Longitude": -45.5}}})");
+    const auto info = whenTheyAreHeard();
+    EXPECT_EQ(written(*info).at("carrier"), "Sandbox Mobile");
+    EXPECT_EQ(written(*info).at("mcc"), 432);
+    EXPECT_EQ(written(*info).at("mnc"), 5);
+    // It is there at once, and is filled in later.
+    ASSERT_TRUE(written(*info).at("geoInfo").at("geoInfoLocation").as_object().empty());
+
+    const auto place = info->geoInfo->geoInfoLocation.get();
+    ASSERT_TRUE(runUntil([&] { return place->verticalAccuracy.get().has_value(); }));
+    const auto written_ = written(*info).at("geoInfo").at("geoInfoLocation").as_object();
+    EXPECT_EQ(written_.size(), 15U);
+    EXPECT_EQ(written_.at("latitude"), 47.5);
+    EXPECT_EQ(written_.at("longitude"), -45.5);
+    EXPECT_EQ(written_.at("altitude"), 1191);
+    EXPECT_EQ(written_.at("horizontalAccuracy"), 12.5);
+    EXPECT_NE(VLUserExtraInfoModel::getInstance(), info);
+}
+
+TEST_F(UserInfo, ACodeThatIsNoNumberIsAbsent) {
+    const SystemServices services(R"({"modemmanager": {"sim": {"OperatorIdentifier": "4x235 "}}})");
+    const auto record = written(*whenTheyAreHeard()).as_object();
+    EXPECT_TRUE(record.contains("carrier"));
+    EXPECT_FALSE(record.contains("mcc") || record.contains("mnc"));
+    EXPECT_FALSE(record.contains("geoInfo"));
+}
+
+TEST_F(UserInfo, ThePlaceIsLeftOutOnceItIsRefused) {
+    const SystemServices services(R"({"geoclue": {"denied": true}})");
+    EXPECT_TRUE(runUntil(&LocationManager::locationServicesEnabled, 5s));
+    const auto before = VLUserExtraInfoModel::getInstance();
+    EXPECT_NE(before->geoInfo, nullptr);
+    const auto isDenied = [] {
+        return LocationManager::authorizationStatus() == platform::LocationAuthorization::denied;
+    };
+    EXPECT_TRUE(runUntil(isDenied));
+    EXPECT_EQ(VLUserExtraInfoModel::getInstance()->geoInfo, nullptr);
+}
+
+TEST_F(UserInfo, ServicesThatAreLateKeepNoThreadWaiting) {
+    const SystemServices services(R"({"modemmanager": {"late": 3}, "geoclue": {"late": 3}})");
+    const auto start = std::chrono::steady_clock::now();
+    {
+        const Threads threads(4, [](int) {
+            for (int time = 0; time < 5; ++time) EXPECT_NE(VLUserExtraInfoModel::getInstance(), nullptr);
+        });
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 1500ms);
+}
+
+/// Runs the program that looks for the device's facts, as long as it takes or for a while.
+void lookForFacts(const std::string& services) {
+    const SystemServices running(services);
+    QProcess program;
+    program.start(VELMORA_FACTS, {"700"});
+    EXPECT_TRUE(program.waitForFinished(20'000));
+    EXPECT_EQ(program.exitStatus(), QProcess::NormalExit) << services;
+    EXPECT_EQ(program.exitCode(), 0) << services;
+    EXPECT_TRUE(program.readAllStandardOutput().contains("\"deviceBrand\":\"Apple\"")) << services;
+}
+
+TEST(Facts, AProcessThatWaitsForItsPlaceLeavesInPeace) {
+    lookForFacts(R"({"geoclue": {"silent": true}})");
+    lookForFacts(R"({"geoclue": {"late": 30}})");
+}
+
+TEST(Facts, ThePositionOfAnEarlierRunIsNoFix) {
+    const sandbox::Sandbox service;
+    const Environment geocoder("VELMORA_GEOCODER_URL", service.plainUrl("/geocoder").c_str());
+    lookForFacts(R"({"geoclue": {}})");
+    ASSERT_TRUE(service.await("geocoder"));
+    // The toolkit has kept it.
+    lookForFacts(R"({"geoclue": {"silent": true}})");
+    EXPECT_EQ(service.ledger().at("entries").as_array().size(), 1U);
+}
+
+}  // namespace
+
+}  // namespace velmora::test

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "support/Environment.h"
+
+#include <optional>
+#include <string>
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <gtest/gtest.h>
+
+namespace velmora::test {
+
+/// A system bus with mocks of the services that are named, and their parameters, as long as this lives.
+class SystemServices {
+public:
+    /// Such as `{"modemmanager": {}, "geoclue": {"level": 0}}`.
+    explicit SystemServices(const std::string& services) {
+        process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        process_.start(VELMORA_SYSTEM_SERVICES, {QString::fromStdString(services)});
+        EXPECT_TRUE(process_.waitForReadyRead(60'000)) << process_.errorString().toStdString();
+        const auto said = QJsonDocument::fromJson(process_.readLine()).object();
+        address_.emplace("DBUS_SYSTEM_BUS_ADDRESS", said["bus"].toString().toStdString().c_str());
+    }
+
+    ~SystemServices() {
+        process_.closeWriteChannel();
+        process_.waitForFinished();
+    }
+
+    SystemServices(const SystemServices&) = delete;
+    SystemServices& operator=(const SystemServices&) = delete;
+
+private:
+    QProcess process_;
+    std::optional<Environment> address_;
+};
+
+/// There is no system bus, as long as this lives.
+class NoSystemServices {
+    Environment address_{"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere/bus"};
+};
+
+}  // namespace velmora::test
