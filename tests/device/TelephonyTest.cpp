@@ -2,12 +2,16 @@
 
 #include "support/EventLoop.h"
 #include "support/SystemServices.h"
+#include "support/TemporaryDirectory.h"
 
 #include <chrono>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 namespace velmora::test {
 
@@ -90,6 +94,22 @@ TEST(Telephony, AServiceThatIsLateKeepsNobodyWaitingAndIsHeardLater) {
     const auto carrier = carrierInTheEnd();
     ASSERT_TRUE(carrier);
     EXPECT_EQ(carrier->name, "Sandbox Mobile");
+}
+
+TEST(Telephony, ABusThatSaysNothingKeepsNobodyWaiting) {
+    const TemporaryDirectory folder;
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    (folder / "bus").string().copy(address.sun_path, sizeof address.sun_path - 1);
+    const int listener = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    ASSERT_EQ(::bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(::listen(listener, 8), 0);
+
+    const Environment bus("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + (folder / "bus").string()).c_str());
+    const auto start = std::chrono::steady_clock::now();
+    for (int time = 0; time < 100; ++time) EXPECT_FALSE(Telephony::subscriberCellularProvider());
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 1s);
+    ::close(listener);
 }
 
 }  // namespace
