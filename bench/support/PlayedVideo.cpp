@@ -1,5 +1,6 @@
 #include "support/PlayedVideo.h"
 
+#include "platform/Application.h"
 #include "platform/desktop/QtPlayer.h"
 #include "support/EventLoop.h"
 #include "ui/VLAVPlayerViewController.h"

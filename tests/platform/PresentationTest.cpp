@@ -1,3 +1,4 @@
+#include "platform/Application.h"
 #include "platform/Clock.h"
 #include "support/ManualClock.h"
 #include "support/Screens.h"

@@ -1,3 +1,4 @@
+#include "platform/Application.h"
 #include "support/EventLoop.h"
 #include "ui/ImageButton.h"
 #include "ui/VLAVPlayerViewController.h"
