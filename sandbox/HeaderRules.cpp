@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <span>
 
 namespace velmora::sandbox {
 
@@ -73,7 +74,7 @@ struct Rule {
     Check check;
 };
 
-constexpr Rule kRules[]{
+constexpr Rule kIdentity[]{
     {"sdk-version", Presence::required, "3.0.0", exactly<kVersion>},
     {"sdk-type", Presence::required, "video-sdk", exactly<kType>},
     {"dev-platform", Presence::required, "Xcode", exactly<kPlatform>},
@@ -90,15 +91,16 @@ constexpr Rule kRules[]{
     {"t-user-id", Presence::optional, "some text", anything},
     {"authorization", Presence::optional, "\"bearer\", one blank and the token", bearer},
     {"customer-user-id", Presence::optional, "some text", anything},
+};
+
+constexpr Rule kExchange[]{
     {"content-type", Presence::required, "application/json", exactly<kJson>},
     {"accept", Presence::required, "application/json", exactly<kJson>},
 };
 
-}  // namespace
-
-std::vector<std::string> headerProblems(const Fields& headers) {
+std::vector<std::string> problemsBy(std::span<const Rule> rules, const Fields& headers) {
     std::vector<std::string> problems;
-    for (const auto& rule : kRules) {
+    for (const auto& rule : rules) {
         const auto name = std::string(rule.name);
         const auto found = headers.find(rule.name);
         if (found == headers.end()) {
@@ -107,6 +109,17 @@ std::vector<std::string> headerProblems(const Fields& headers) {
             problems.push_back(name + " is \"" + found->second + "\", not " + std::string(rule.wanted));
         }
     }
+    return problems;
+}
+
+}  // namespace
+
+std::vector<std::string> identityProblems(const Fields& headers) { return problemsBy(kIdentity, headers); }
+
+std::vector<std::string> headerProblems(const Fields& headers) {
+    auto problems = problemsBy(kIdentity, headers);
+    const auto more = problemsBy(kExchange, headers);
+    problems.insert(problems.end(), more.begin(), more.end());
     return problems;
 }
 

@@ -37,6 +37,8 @@ std::string Sandbox::plainApiUrl() const { return plainUrl("/v2"); }
 
 std::string Sandbox::plainUrl(std::string_view path) const { return at("http", running_->plain, path); }
 
+std::string Sandbox::geocoderUrl() const { return plainUrl("/geocoder"); }
+
 std::string Sandbox::inspectorUrl() const { return plainUrl("/sandbox/"); }
 
 const std::string& Sandbox::authority() const { return running_->certificates.authority; }

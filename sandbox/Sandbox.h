@@ -40,6 +40,8 @@ public:
     [[nodiscard]] std::string plainApiUrl() const;
     /// Of a path that begins with "/", over HTTP.
     [[nodiscard]] std::string plainUrl(std::string_view path) const;
+    /// The base of a geocoder that knows a few made-up places: what VELMORA_GEOCODER_URL takes.
+    [[nodiscard]] std::string geocoderUrl() const;
     /// The page that shows the ledger as it grows.
     [[nodiscard]] std::string inspectorUrl() const;
     /// The certificate authority to trust, as PEM text.

@@ -1,11 +1,13 @@
 #include "sandbox/Service.h"
 
 #include "sandbox/Answers.h"
+#include "sandbox/Geocoder.h"
 #include "sandbox/HeaderRules.h"
 #include "sandbox/Media.h"
 #include "sandbox/Pages.h"
 #include "sandbox/PathPattern.h"
 #include "sandbox/Vast.h"
+#include "sandbox/VastRules.h"
 
 #include <algorithm>
 #include <charconv>
@@ -99,6 +101,7 @@ struct Service::Table {
         {"/media/{name}", "GET", "media", Needs::nothing, &Service::giveMedia},
         {"/pages/{name}", "GET", "page", Needs::nothing, &Service::givePage},
         {"/track/{id}/{event}", "GET", "tracker", Needs::nothing, &Service::takeTracker},
+        {"/geocoder/reverse", "GET", "geocoder", Needs::nothing, &Service::findPlace},
         {"/sandbox/", "GET", "sandbox", Needs::nothing, &Service::showInspector},
         {"/sandbox/ledger", "GET", "sandbox", Needs::nothing, &Service::showLedger},
         {"/sandbox/reset", "POST", "sandbox", Needs::nothing, &Service::resetAll},
@@ -216,9 +219,14 @@ Response Service::offerAdsToCache(Call& call) {
 
 Response Service::giveVast(Call& call) {
     call.zone = call.parts.front();
+    call.problems = vastProblems(call.request.query);
     const auto& zone = zoneNamed(*call.zone);
-    return {.type = "application/xml",
-            .body = vastDocument(zone, call.request.origin(), suggestions_.nextIdFor(zone))};
+    const VastAd ad{.zone = zone,
+                    .origin = call.request.origin(),
+                    .suggestionId = suggestions_.nextIdFor(zone),
+                    .maySkip = queryText(call.request, "prerollType") != "1"};
+    const auto version = queryText(call.request, "vastVersion") == "2" ? VastVersion::v2 : VastVersion::v3;
+    return {.type = "application/xml", .body = vastDocument(ad, version)};
 }
 
 Response Service::giveMedia(Call& call) {
@@ -236,6 +244,11 @@ Response Service::givePage(Call& call) {
 Response Service::takeTracker(Call& call) {
     call.zone = zoneOfSuggestion(call.parts.front());
     return {.type = "text/plain"};
+}
+
+Response Service::findPlace(Call& call) {
+    call.problems = geocodingProblems(call.request);
+    return reverseGeocoded(call.request);
 }
 
 Response Service::showInspector(Call&) {

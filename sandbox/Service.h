@@ -41,6 +41,7 @@ private:
     Response giveMedia(Call& call);
     Response givePage(Call& call);
     Response takeTracker(Call& call);
+    Response findPlace(Call& call);
     Response showInspector(Call& call);
     Response showLedger(Call& call);
     Response resetAll(Call& call);

@@ -28,8 +28,8 @@ struct Arguments {
 
 constexpr const char* kUsage = R"(velmora-sandbox: an ad service on this machine, to see the library at work
 
-Prints one line of JSON with "api" (for VELMORA_API_BASE_URL), "ca" (for VELMORA_CA_FILE) and "inspector" (for a
-browser), and serves until it is interrupted.
+Prints one line of JSON with "api" (for VELMORA_API_BASE_URL), "ca" (for VELMORA_CA_FILE), "geocoder" (for
+VELMORA_GEOCODER_URL) and "inspector" (for a browser), and serves until it is interrupted.
 
   --videos DIR          the folder that scripts/make-videos filled
   --http-port N         instead of a free port
@@ -139,6 +139,7 @@ void serve(const Arguments& arguments) {
     const auto& api = arguments.plain ? sandbox.plainApiUrl() : sandbox.apiUrl();
     std::cout << boost::json::object{{"api", api},
                                      {"ca", authority.string()},
+                                     {"geocoder", sandbox.geocoderUrl()},
                                      {"inspector", sandbox.inspectorUrl()}}
               << std::endl;
     waitForTheEnd(signals, parent);

@@ -61,7 +61,7 @@ TEST_F(UserInfo, WithoutAnyServiceItHasWhatTheMachineItselfTells) {
 
 TEST_F(UserInfo, WithAllServicesItHasTheCarrierAndThePlaceToo) {
     const sandbox::Sandbox service;
-    const Environment geocoder("VELMORA_GEOCODER_URL", service.plainUrl("/geocoder").c_str());
+    const Environment geocoder("VELMORA_GEOCODER_URL", service.geocoderUrl().c_str());
     const SystemServices services(
         R"({"modemmanager": {"sim": {"OperatorIdentifier": "43205"}},
             "geoclue": {"location": {"Latitude": 47.5, "Longitude": -45.5}}})");
@@ -78,7 +78,7 @@ TEST_F(UserInfo, WithAllServicesItHasTheCarrierAndThePlaceToo) {
     EXPECT_EQ(written_.size(), 15U);
     EXPECT_EQ(written_.at("latitude"), 47.5);
     EXPECT_EQ(written_.at("longitude"), -45.5);
-    EXPECT_EQ(written_.at("altitude"), 1191);
+    EXPECT_EQ(written_.at("altitude"), 1191.0);
     EXPECT_EQ(written_.at("horizontalAccuracy"), 12.5);
     EXPECT_NE(VLUserExtraInfoModel::getInstance(), info);
 }
@@ -132,7 +132,7 @@ TEST(Facts, AProcessThatWaitsForItsPlaceLeavesInPeace) {
 
 TEST(Facts, ThePositionOfAnEarlierRunIsNoFix) {
     const sandbox::Sandbox service;
-    const Environment geocoder("VELMORA_GEOCODER_URL", service.plainUrl("/geocoder").c_str());
+    const Environment geocoder("VELMORA_GEOCODER_URL", service.geocoderUrl().c_str());
     lookForFacts(R"({"geoclue": {}})");
     ASSERT_TRUE(service.await("geocoder"));
     // The toolkit has kept it.

@@ -1,0 +1,143 @@
+#include <velmora/velmora.h>
+
+#include "model/VLDefaults.h"
+#include "sandbox/Sandbox.h"
+#include "sandbox/Zones.h"
+#include "support/Environment.h"
+#include "support/Exchange.h"
+
+#include <string>
+#include <vector>
+
+#include <QProcess>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace velmora::test {
+
+namespace {
+
+namespace json = boost::json;
+using sandbox::Sandbox;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+/// Whether the document is one of that version.
+bool isValid(const std::string& document, int version) {
+    const auto schema = std::string(VELMORA_SCHEMAS) + "/vast" + std::to_string(version) + ".xsd";
+    QProcess xmllint;
+    xmllint.start("xmllint", {"--noout", "--schema", QString::fromStdString(schema), "-"});
+    EXPECT_TRUE(xmllint.waitForStarted());
+    xmllint.write(document.data(), static_cast<qint64>(document.size()));
+    xmllint.closeWriteChannel();
+    EXPECT_TRUE(xmllint.waitForFinished());
+    // 3 says that it was read, and is not valid.
+    EXPECT_THAT((std::vector{0, 3}), Contains(xmllint.exitCode()))
+        << xmllint.readAllStandardError().toStdString();
+    return xmllint.exitCode() == 0;
+}
+
+std::string replaced(std::string text, const std::string& part, const std::string& other) {
+    const auto at = text.find(part);
+    EXPECT_NE(at, std::string::npos) << part;
+    return at == std::string::npos ? text : text.replace(at, part.size(), other);
+}
+
+class SandboxVast : public testing::Test {
+protected:
+    [[nodiscard]] std::string document(const std::string& zone, const std::string& query) const {
+        const auto answer = ask({.url = service_.plainUrl("/v2/pre-roll/" + zone + "/vast?" + query)});
+        EXPECT_EQ(answer.status, 200);
+        return answer.body;
+    }
+
+    /// Of the last request.
+    [[nodiscard]] std::vector<std::string> problems() const {
+        const auto ledger = service_.ledger();
+        const auto& last = ledger.at("entries").as_array().back().as_object();
+        return json::value_to<std::vector<std::string>>(last.at("problems"));
+    }
+
+    const Sandbox service_;
+    const Environment base_{"VELMORA_API_BASE_URL", service_.plainApiUrl().c_str()};
+};
+
+TEST_F(SandboxVast, ADocumentIsValidInTheVersionThatWasAskedFor) {
+    for (const auto& zone : sandbox::allZones()) {
+        const std::string name(zone.name);
+        EXPECT_TRUE(isValid(document(name, "vastVersion=2"), 2)) << name;
+        for (const char* query : {"vastVersion=3", "vastVersion=3&prerollType=2", "", "vastVersion=4"})
+            EXPECT_TRUE(isValid(document(name, query), 3)) << name << " " << query;
+    }
+}
+
+TEST_F(SandboxVast, WhatIsNoSuchDocumentIsToldFromIt) {
+    const auto two = document("video", "vastVersion=2");
+    const auto three = document("video", "vastVersion=3");
+    EXPECT_FALSE(isValid(two, 3));
+    EXPECT_FALSE(isValid(three, 2));
+    EXPECT_FALSE(isValid(replaced(two, "event=\"start\"", "event=\"skip\""), 2));
+    EXPECT_TRUE(isValid(replaced(three, "event=\"start\"", "event=\"skip\""), 3));
+    EXPECT_FALSE(isValid(replaced(two, "<Linear>", "<Linear skipoffset=\"10%\">"), 2));
+    const auto impression = three.find("<Impression>");
+    const auto creatives = three.find("<Creatives>");
+    EXPECT_FALSE(isValid(three.substr(0, impression) + three.substr(creatives), 3));
+    const std::pair<const char*, const char*> faults[]{
+        {"<AdTitle>", "<AdTitle></AdTitle><AdTitle>"},
+        {"</Error>", "</Error><Survey/>"},
+        {"<Duration>00:00:08</Duration>", ""},
+        {"00:00:08", "8 s"},
+        {" delivery=\"progressive\"", ""},
+        {" width=\"1280\"", " width=\"wide\""},
+        {"</TrackingEvents>", "</TrackingEvents><MediaFiles/>"},
+        {"http://", "nowhere/"},
+    };
+    for (const auto& [part, other] : faults) {
+        for (const int version : {2, 3})
+            EXPECT_FALSE(isValid(replaced(version == 2 ? two : three, part, other), version)) << part;
+    }
+}
+
+TEST_F(SandboxVast, OnlyAPreRollThatMayBeSkippedSaysFromWhereOn) {
+    const auto says = [&](const std::string& zone, const std::string& query) {
+        return document(zone, query).find(" skipoffset=\"") != std::string::npos;
+    };
+    EXPECT_TRUE(says("skippable-video", "vastVersion=3&prerollType=2"));
+    EXPECT_TRUE(says("skippable-video", "vastVersion=3"));
+    EXPECT_FALSE(says("skippable-video", "vastVersion=3&prerollType=1"));
+    EXPECT_FALSE(says("skippable-video", "vastVersion=2&prerollType=2"));
+    EXPECT_FALSE(says("video", "vastVersion=3&prerollType=2"));
+}
+
+TEST_F(SandboxVast, WhatTheLibraryMakesIsWithoutFault) {
+    Velmora::initializeWithAppKey("a b%25سلام", std::make_shared<VLConfiguration>());
+    for (const int number : {2, 3, 4}) {
+        ask({.url = VelmoraVAST::getVastUrlForZone("video", number - 1, number).value()});
+        EXPECT_THAT(problems(), IsEmpty()) << number;
+    }
+    VLDefaults::setVelmoraUserId("user");
+    const auto url = VelmoraVAST::getVastUrlForZone("video", 1, 3).value();
+    ask({.url = url});
+    EXPECT_THAT(problems(), IsEmpty());
+
+    ask({.url = replaced(url, "secretKey=", "secretKey=x")});
+    EXPECT_THAT(problems(), ElementsAre(HasSubstr("secretKey is \"x")));
+    ask({.url = replaced(url, "&screenWidth=", "&screenWidth=1080")});
+    EXPECT_THAT(problems(), ElementsAre(HasSubstr("screenWidth is \"1080")));
+    ask({.url = replaced(url, "&mcc=", "&mmc=")});
+    EXPECT_THAT(problems(), ElementsAre("mcc is missing"));
+    ask({.url = replaced(url, "vastVersion=3", "vastVersion=5")});
+    EXPECT_THAT(problems(), ElementsAre("vastVersion is \"5\", neither 2 nor 3"));
+    ask({.url = replaced(url, "device-os=ios", "device-os=other")});
+    EXPECT_THAT(problems(), ElementsAre(HasSubstr("device-os is \"other\"")));
+    ask({.url = url + "&secretKey=again"});
+    EXPECT_THAT(problems(), ElementsAre(HasSubstr("secretKey is")));
+    EXPECT_THAT(document("video", ""), HasSubstr("<MediaFile"));
+    EXPECT_THAT(problems(), ElementsAre("there is no query"));
+}
+
+}  // namespace
+
+}  // namespace velmora::test
