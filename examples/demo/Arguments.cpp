@@ -94,6 +94,7 @@ std::optional<Arguments> parse(const QCoreApplication& application) {
         {"size", "The window's size; without a display, the screen's too.", "WxH", "1280x800"},
         {"dark", "Begin with dark colours."},
         {"inspector", "The sandbox ad service's inspector, whose ledger goes into the report.", "URL"},
+        {"facts", "The program that prints what the library finds out about this device.", "program"},
         {"debug", "Print what the library logs, on standard error."},
     });
     parser.process(application);
@@ -112,6 +113,7 @@ std::optional<Arguments> parse(const QCoreApplication& application) {
     arguments.report = parser.value("report");
     arguments.inspector = parser.value("inspector");
     if (!arguments.inspector.isEmpty() && !arguments.inspector.endsWith('/')) arguments.inspector += '/';
+    arguments.facts = parser.value("facts");
     arguments.size = *size;
     return arguments;
 }

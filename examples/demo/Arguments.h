@@ -23,6 +23,8 @@ struct Arguments {
     QString report;
     /// Of the sandbox ad service, ending in a slash; empty when there is none to look into.
     QString inspector;
+    /// The program that finds out what the library knows of this device; empty for none.
+    QString facts;
     QSize size{1280, 800};
 };
 

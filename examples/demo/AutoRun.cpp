@@ -1,10 +1,13 @@
 #include "AutoRun.h"
 
 #include "AdDesk.h"
+#include "DeviceFacts.h"
 #include "MainWindow.h"
 #include "Report.h"
 #include "SandboxLedger.h"
 #include "Theme.h"
+#include "VastView.h"
+#include "VastVisits.h"
 #include "Visit.h"
 
 #include <algorithm>
@@ -39,11 +42,16 @@ void print(const QJsonObject& line) {
     std::cout << QJsonDocument(line).toJson(QJsonDocument::Compact).constData() << std::endl;
 }
 
+const char* verdict(const QStringList& wrong) {
+    return wrong.isEmpty() ? "  as planned      " : "  NOT AS PLANNED  ";
+}
+
 }  // namespace
 
-AutoRun::AutoRun(AdDesk& desk, MainWindow& window, const Arguments& arguments)
+AutoRun::AutoRun(AdDesk& desk, MainWindow& window, DeviceFacts& facts, const Arguments& arguments)
     : desk_(desk),
       window_(window),
+      facts_(facts),
       arguments_(arguments),
       folder_(reportFolder(arguments.report)),
       screenshots_(folder_),
@@ -51,6 +59,8 @@ AutoRun::AutoRun(AdDesk& desk, MainWindow& window, const Arguments& arguments)
     for (const auto& scenario : allScenarios()) {
         if (arguments.zone.isEmpty() || scenario.zone == arguments.zone) scenarios_ << scenario;
     }
+    vast_ = std::make_unique<VastVisits>(arguments.zone.isEmpty() ? "skippable-video" : arguments.zone);
+    connect(vast_.get(), &VastVisits::finished, this, &AutoRun::onVastVisited, Qt::QueuedConnection);
 }
 
 AutoRun::~AutoRun() = default;
@@ -61,7 +71,8 @@ void AutoRun::start() {
 }
 
 void AutoRun::runNext() {
-    if (records_.size() == scenarios_.size() || ledger_->isLost()) return end();
+    if (ledger_->isLost()) return end();
+    if (records_.size() == scenarios_.size()) return vast_->start();
     visit_ = std::make_unique<Visit>(
         scenarios_[records_.size()],
         Visit::Surroundings{
@@ -77,11 +88,30 @@ void AutoRun::onVisited() {
     runNext();
 }
 
+void AutoRun::onVastVisited() {
+    for (const auto& answer : vast_->answers()) {
+        const auto wrong = VastVisits::deviations(answer);
+        if (arguments_.json) {
+            auto line = toJson(answer);
+            line["deviations"] = QJsonArray::fromStringList(wrong);
+            print(line);
+            continue;
+        }
+        std::cout << verdict(wrong) << qPrintable(answer.question.zone.leftJustified(17)) << "VAST "
+                  << answer.question.version << ".0 for a player of one's own" << std::endl;
+        for (const auto& words : wrong) std::cout << "      " << qPrintable(words) << std::endl;
+    }
+    if (arguments_.json && facts_.canBeFound())
+        print({{"event", "device"}, {"userExtraInfo", facts_.record()}, {"trouble", facts_.trouble()}});
+    window_.vast().show(vast_->answers().back());
+    end();
+}
+
 void AutoRun::say(const Record& record) const {
     if (arguments_.json) return print(toJson(record));
-    std::cout << (record.wrong.isEmpty() ? "  as planned      " : "  NOT AS PLANNED  ")
-              << qPrintable(record.scenario.zone.leftJustified(17)) << qPrintable(record.scenario.title)
-              << ", " << (record.end - record.start + 500) / 1000 << " s" << std::endl;
+    std::cout << verdict(record.wrong) << qPrintable(record.scenario.zone.leftJustified(17))
+              << qPrintable(record.scenario.title) << ", " << (record.end - record.start + 500) / 1000 << " s"
+              << std::endl;
     for (const auto& line : record.wrong) std::cout << "      " << qPrintable(line) << std::endl;
 }
 
@@ -104,9 +134,9 @@ QList<Picture> AutoRun::ownPictures() {
                               .arg(one.height())
                               .arg(theme->isDark ? "dark" : "light"));
         }
+        if (auto* page = window_.findChild<QWidget*>("page")) take(*page, "all of it");
     }
     window_.wear(before);
-    if (auto* page = window_.findChild<QWidget*>("page")) take(*page, "all of it");
     window_.resize(size);
     return pictures;
 }
@@ -121,12 +151,25 @@ QString AutoRun::trouble() const {
 void AutoRun::end() {
     visit_.reset();
     const auto words = trouble();
-    const auto file = Report(folder_).write(records_, ownPictures(), words);
-    const bool isGood = words.isEmpty() && records_.size() == scenarios_.size() && !file.isEmpty() &&
-                        std::all_of(records_.begin(), records_.end(),
-                                    [](const Record& record) { return record.wrong.isEmpty(); });
+    const auto own = ownPictures();
+    const auto file =
+        Report(folder_).write({.records = records_,
+                               .own = own,
+                               .device = facts_.record().isEmpty() ? QList<Fact>() : facts_.facts(),
+                               .vast = vast_->answers(),
+                               .trouble = words});
+    const bool isGood = words.isEmpty() && !file.isEmpty() && isAllAsPlanned();
     sayEnd(file, words, isGood);
     emit finished(isGood ? 0 : 1);
+}
+
+bool AutoRun::isAllAsPlanned() const {
+    const auto& vast = vast_->answers();
+    return records_.size() == scenarios_.size() && !vast.isEmpty() &&
+           std::all_of(records_.begin(), records_.end(),
+                       [](const Record& record) { return record.wrong.isEmpty(); }) &&
+           std::all_of(vast.begin(), vast.end(),
+                       [](const VastAnswer& answer) { return VastVisits::deviations(answer).isEmpty(); });
 }
 
 void AutoRun::sayEnd(const QString& file, const QString& troubleWords, bool isGood) const {

@@ -13,8 +13,10 @@
 namespace demo {
 
 class AdDesk;
+class DeviceFacts;
 class MainWindow;
 class SandboxLedger;
+class VastVisits;
 class Visit;
 
 /// Runs the scenarios one after another, says how each went, and leaves a report.
@@ -22,7 +24,7 @@ class AutoRun : public QObject {
     Q_OBJECT
 
 public:
-    AutoRun(AdDesk& desk, MainWindow& window, const Arguments& arguments);
+    AutoRun(AdDesk& desk, MainWindow& window, DeviceFacts& facts, const Arguments& arguments);
     ~AutoRun() override;
 
     void start();
@@ -34,19 +36,23 @@ signals:
 private:
     void runNext();
     void onVisited();
+    void onVastVisited();
     void end();
     void say(const Record& record) const;
     void sayEnd(const QString& file, const QString& troubleWords, bool isGood) const;
     [[nodiscard]] QList<Picture> ownPictures();
     [[nodiscard]] QString trouble() const;
+    [[nodiscard]] bool isAllAsPlanned() const;
 
     AdDesk& desk_;
     MainWindow& window_;
+    DeviceFacts& facts_;
     const Arguments arguments_;
     const QDir folder_;
     Screenshots screenshots_;
     std::unique_ptr<SandboxLedger> ledger_;
     std::unique_ptr<Visit> visit_;
+    std::unique_ptr<VastVisits> vast_;
     QList<Scenario> scenarios_;
     QList<Record> records_;
 };

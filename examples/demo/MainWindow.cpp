@@ -1,11 +1,14 @@
 #include "MainWindow.h"
 
 #include "CardGrid.h"
+#include "DeviceFacts.h"
+#include "DeviceView.h"
 #include "EventList.h"
 #include "SettingsBar.h"
 #include "StateView.h"
 #include "StoredState.h"
 #include "Theme.h"
+#include "VastView.h"
 #include "ZoneCard.h"
 #include "Zones.h"
 
@@ -50,11 +53,12 @@ QString serviceText(const QString& inspector) {
 
 }  // namespace
 
-MainWindow::MainWindow(AdDesk& desk, const Arguments& arguments)
+MainWindow::MainWindow(AdDesk& desk, DeviceFacts& facts, const Arguments& arguments)
     : desk_(desk),
       settings_(new SettingsBar),
       events_(new EventList),
       state_(new StateView(StoredState::usualFile())),
+      vast_(new VastView),
       theme_(new QPushButton),
       service_(new QLabel),
       inspector_(arguments.inspector) {
@@ -70,6 +74,7 @@ MainWindow::MainWindow(AdDesk& desk, const Arguments& arguments)
     columns_->addWidget(makeZones(), 5);
     columns_->addWidget(makeNews(), 3);
     rows->addLayout(columns_, 1);
+    rows->addWidget(makeBelow(facts));
 
     auto* scroll = new QScrollArea;
     scroll->setWidgetResizable(true);
@@ -139,12 +144,27 @@ QWidget* MainWindow::makeNews() {
     return right;
 }
 
+QWidget* MainWindow::makeBelow(DeviceFacts& facts) {
+    auto* below = new QWidget;
+    below_ = new QBoxLayout(QBoxLayout::LeftToRight, below);
+    below_->setContentsMargins(0, 0, 0, 0);
+    below_->setSpacing(kGap);
+    if (facts.canBeFound()) {
+        device_ = new DeviceView(facts);
+        below_->addWidget(sheet("This device", device_), 1);
+    }
+    below_->addWidget(sheet("A VAST URL", vast_), 1);
+    return below;
+}
+
 void MainWindow::wear(const Theme& theme) {
     theme.apply();
     theme_->setText(theme.isDark ? "Light" : "Dark");
     service_->setText(serviceText(inspector_));
     for (auto* card : cards_) card->refresh();
     state_->refresh();
+    vast_->refresh();
+    if (device_ != nullptr) device_->refresh();
 }
 
 void MainWindow::resizeEvent(QResizeEvent* event) {
@@ -153,7 +173,9 @@ void MainWindow::resizeEvent(QResizeEvent* event) {
 }
 
 void MainWindow::arrange() {
-    columns_->setDirection(width() < kWide ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+    const auto direction = width() < kWide ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight;
+    columns_->setDirection(direction);
+    below_->setDirection(direction);
 }
 
 }  // namespace demo

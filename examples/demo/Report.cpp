@@ -1,5 +1,7 @@
 #include "Report.h"
 
+#include "VastVisits.h"
+
 #include <algorithm>
 
 #include <QDateTime>
@@ -41,6 +43,7 @@ constexpr const char* kHead = R"(<!doctype html>
   td { padding: 3px 12px 3px 0; vertical-align: top; border-top: 1px solid var(--line); white-space: nowrap; }
   td:nth-child(3) { white-space: normal; overflow-wrap: anywhere; }
   td:first-child { color: var(--soft); font-variant-numeric: tabular-nums; width: 1%; }
+  table.facts td { white-space: normal; overflow-wrap: anywhere; } table.facts td:first-child { width: 38%; }
   .mono { font-family: ui-monospace, Menlo, Consolas, "DejaVu Sans Mono", monospace; font-size: 12px; }
   a { color: inherit; }
 </style>
@@ -107,6 +110,38 @@ QString sectionOf(const Record& record) {
     return html + "</table></div>\n</div>\n</section>\n";
 }
 
+/// In two columns; the first is narrow, and the second breaks anywhere.
+QString tableOf(const QString& heading, const QList<Fact>& facts) {
+    auto html = "<div><h3>" + heading + "</h3><table class='facts'>\n";
+    for (const auto& fact : facts) {
+        const auto value =
+            fact.value.isEmpty() ? "<span class='soft'>not told</span>" : fact.value.toHtmlEscaped();
+        html += "<tr><td>" + fact.name.toHtmlEscaped() + "</td><td>" + value + "</td></tr>\n";
+    }
+    return html + "</table></div>\n";
+}
+
+QString sectionOf(const VastAnswer& answer) {
+    const auto wrong = VastVisits::deviations(answer);
+    auto html =
+        QString("<section>\n<div class='head'><h2>VAST %1.0</h2><span>the pre-roll of %2</span>%3</div>\n")
+            .arg(answer.question.version)
+            .arg(answer.question.zone,
+                 pill(wrong.isEmpty(), wrong.isEmpty() ? "as planned" : "not as planned"));
+    if (!wrong.isEmpty()) html += "<ul class='bad'><li>" + wrong.join("; ").toHtmlEscaped() + "</li></ul>\n";
+    return html + "<div class='columns'>\n" + tableOf("What the service answered", answer.facts()) +
+           tableOf("The pairs of the URL", answer.pairs()) +
+           tableOf("The library's headers in it", answer.headers()) + "</div>\n</section>\n";
+}
+
+QString sectionOf(const QList<Fact>& device) {
+    if (device.isEmpty()) return {};
+    const auto half = (device.size() + 1) / 2;
+    return "<section>\n<h2>This device</h2>\n<div class='columns'>\n" +
+           tableOf("What the library finds out", device.first(half)) +
+           tableOf("&nbsp;", device.sliced(half)) + "</div>\n</section>\n";
+}
+
 QString verdict(const QList<Record>& records, const QString& trouble) {
     const auto good = std::count_if(records.begin(), records.end(),
                                     [](const Record& record) { return record.wrong.isEmpty(); });
@@ -122,11 +157,13 @@ QString verdict(const QList<Record>& records, const QString& trouble) {
 
 Report::Report(const QDir& folder) : folder_(folder) {}
 
-QString Report::write(const QList<Record>& records, const QList<Picture>& own, const QString& trouble) const {
-    auto html = QString(kHead) + verdict(records, trouble);
-    for (const auto& record : records) html += sectionOf(record);
+QString Report::write(const Story& story) const {
+    auto html = QString(kHead) + verdict(story.records, story.trouble);
+    for (const auto& record : story.records) html += sectionOf(record);
+    for (const auto& answer : story.vast) html += sectionOf(answer);
+    html += sectionOf(story.device);
     html += "<section><h2>The application at the end</h2><div class='pictures'>\n";
-    for (const auto& picture : own) html += figure(picture, picture.words);
+    for (const auto& picture : story.own) html += figure(picture, picture.words);
     html += "</div></section>\n</main>\n</body>\n</html>\n";
 
     QSaveFile file(folder_.filePath("report.html"));

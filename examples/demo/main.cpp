@@ -3,6 +3,7 @@
 #include "AdDesk.h"
 #include "Arguments.h"
 #include "AutoRun.h"
+#include "DeviceFacts.h"
 #include "MainWindow.h"
 #include "Theme.h"
 
@@ -44,12 +45,14 @@ int main(int count, char** words) {
 
     demo::AdDesk desk;
     if (arguments->json) QObject::connect(&desk, &demo::AdDesk::happened, &print);
-    demo::MainWindow window(desk, *arguments);
+    demo::DeviceFacts facts(arguments->facts);
+    demo::MainWindow window(desk, facts, *arguments);
     window.show();
+    facts.look();
 
     std::optional<demo::AutoRun> run;
     if (arguments->isAuto) {
-        run.emplace(desk, window, *arguments);
+        run.emplace(desk, window, facts, *arguments);
         QObject::connect(&*run, &demo::AutoRun::finished, &application, &QApplication::exit,
                          Qt::QueuedConnection);
         // When the window is there to show something over.

@@ -1,6 +1,6 @@
 """The demo application runs by itself, says how each showing went, and ends whatever happens.
 
-Arguments: the sandbox ad service and the demo application.
+Arguments: the sandbox ad service, the demo application, and the program that finds out the device's facts.
 """
 
 import json
@@ -12,7 +12,7 @@ import sys
 import tempfile
 import unittest
 
-SERVICE, DEMO = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
+SERVICE, DEMO, FACTS = (pathlib.Path(argument).resolve() for argument in sys.argv[1:4])
 
 
 class Demo(unittest.TestCase):
@@ -33,6 +33,8 @@ class Demo(unittest.TestCase):
             "VELMORA_API_BASE_URL": self.facts["api"],
             "VELMORA_CA_FILE": self.facts["ca"],
             "XDG_DATA_HOME": str(self.folder),
+            "XDG_CONFIG_HOME": str(self.folder),
+            "DBUS_SYSTEM_BUS_ADDRESS": "unix:path=/nowhere/bus",
             "QTWEBENGINE_DISABLE_SANDBOX": "1",
             "QT_QPA_PLATFORM": "offscreen",
             "ALSOFT_DRIVERS": "null",
@@ -44,15 +46,15 @@ class Demo(unittest.TestCase):
         self.addCleanup(demo.kill)
         return demo
 
-    def run_zone(self, zone):
-        demo = self.start("--zone", zone)
+    def run_zone(self, zone, *arguments):
+        demo = self.start("--zone", zone, *arguments)
         lines, _ = demo.communicate(timeout=60)
         return demo.returncode, [json.loads(line) for line in lines.splitlines()]
 
     def test_a_page_is_shown_and_put_away_and_every_step_is_in_the_report(self):
         status, events = self.run_zone("banner")
         shown = ["request", "adAvailable", "show", "visited"]
-        self.assertEqual([event["event"] for event in events], [*shown, *shown, "ended"])
+        self.assertEqual([event["event"] for event in events], [*shown, *shown, "vast", "vast", "ended"])
         self.assertEqual([event["deviations"] for event in events if event["event"] == "visited"], [[], []])
         self.assertEqual(events[1]["thread"], "background")
         self.assertEqual(status, 0)
@@ -63,6 +65,21 @@ class Demo(unittest.TestCase):
         for picture in pictures:
             self.assertGreater((report.parent / picture).stat().st_size, 1000, picture)
 
+    def test_a_pre_roll_is_asked_for_in_both_versions_and_the_device_says_what_it_is(self):
+        status, events = self.run_zone("no-fill", "--facts", FACTS)
+        answers = [(event["version"], event["ads"], event["deviations"]) for event in events if event["event"] == "vast"]
+        self.assertEqual((status, answers), (0, [("2.0", 0, []), ("3.0", 0, [])]))
+        device = next(event["userExtraInfo"] for event in events if event["event"] == "device")
+        self.assertGreater(device["screenWidth"], 0)
+        self.assertNotIn("carrier", device)
+
+        # The pre-roll's file is not fetched: this one is there though the video is not.
+        status, events = self.run_zone("broken-video", "--facts", self.folder / "nothing")
+        answers = [(event["version"], event["ads"], len(event["mediaFiles"])) for event in events if event["event"] == "vast"]
+        self.assertEqual((status, answers), (0, [("2.0", 1, 1), ("3.0", 1, 1)]))
+        trouble = next(event["trouble"] for event in events if event["event"] == "device")
+        self.assertIn("No such file", trouble)
+
     def test_a_video_that_cannot_be_loaded_is_told_as_completed(self):
         status, events = self.run_zone("broken-video")
         finished = [(event["completed"], event["thread"]) for event in events if event["event"] == "adShowFinished"]
@@ -72,7 +89,8 @@ class Demo(unittest.TestCase):
         # There is no file for it here.
         status, events = self.run_zone("skippable-video")
         self.assertEqual((status, events[-1]["asPlanned"]), (1, False))
-        deviations = "\n".join(events[-2]["deviations"])
+        visited = next(event for event in events if event["event"] == "visited")
+        deviations = "\n".join(visited["deviations"])
         self.assertIn("expected not completed; came completed", deviations)
         self.assertIn("trackers: expected start, skip, complete; came none", deviations)
 

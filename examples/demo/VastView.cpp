@@ -1,0 +1,78 @@
+#include "VastView.h"
+
+#include "CardGrid.h"
+#include "Zones.h"
+
+#include <QBoxLayout>
+#include <QComboBox>
+#include <QLabel>
+#include <QPushButton>
+
+namespace demo {
+
+namespace {
+
+constexpr int kNarrowestChoice = 120;
+constexpr int kGap = 8;
+
+QString wordsFor(const VastAnswer& answer) {
+    return htmlOf(answer.facts(), "from nowhere") + "<p>The URL ends in a query with these pairs:</p>" +
+           htmlOf(answer.pairs(), "empty") + "<p>and with the library's headers:</p>" +
+           htmlOf(answer.headers(), "empty");
+}
+
+}  // namespace
+
+VastView::VastView(QWidget* parent)
+    : QWidget(parent),
+      zone_(new QComboBox),
+      type_(new QComboBox),
+      version_(new QComboBox),
+      make_(new QPushButton("Make and fetch")),
+      words_(new QLabel) {
+    for (const auto& zone : kZones) zone_->addItem(zone.name, zone.name);
+    type_->addItem("Not to be skipped", 1);
+    type_->addItem("May be skipped", 2);
+    version_->addItem("VAST 3.0", 3);
+    version_->addItem("VAST 2.0", 2);
+    make_->setObjectName("first");
+
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    auto* grid = new CardGrid(kNarrowestChoice, kGap);
+    for (QWidget* one : std::initializer_list<QWidget*>{zone_, type_, version_, make_}) grid->addWidget(one);
+    column->addLayout(grid);
+    words_->setTextFormat(Qt::RichText);
+    words_->setWordWrap(true);
+    words_->setAlignment(Qt::AlignTop);
+    words_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    words_->setText("For applications with a video player of their own: the URL of a pre-roll ad.");
+    column->addWidget(words_);
+    column->addStretch(1);
+    connect(make_, &QPushButton::clicked, this, &VastView::ask);
+    connect(&fetch_, &VastFetch::came, this, [this](const VastAnswer& answer) {
+        make_->setEnabled(true);
+        show(answer);
+    });
+}
+
+void VastView::show(const VastAnswer& answer) {
+    zone_->setCurrentIndex(zone_->findData(answer.question.zone));
+    type_->setCurrentIndex(type_->findData(answer.question.type));
+    version_->setCurrentIndex(version_->findData(answer.question.version));
+    answer_ = answer;
+    refresh();
+}
+
+void VastView::ask() {
+    make_->setEnabled(false);
+    fetch_.fetch({.zone = zone_->currentData().toString(),
+                  .type = type_->currentData().toInt(),
+                  .version = version_->currentData().toInt()});
+}
+
+void VastView::refresh() {
+    if (answer_) words_->setText(wordsFor(*answer_));
+}
+
+}  // namespace demo
