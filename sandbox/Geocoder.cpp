@@ -38,14 +38,9 @@ constexpr Place kPlaces[]{
 
 constexpr double kNear = 1;
 
-std::optional<std::string> queryText(const Request& request, std::string_view name) {
-    const auto found = request.query.find(name);
-    return found == request.query.end() ? std::nullopt : std::optional(found->second);
-}
-
 /// A coordinate of the query; absent when it is none.
 std::optional<double> coordinate(const Request& request, std::string_view name, double most) {
-    const auto text = queryText(request, name).value_or("");
+    const auto text = request.queryValue(name).value_or("");
     double value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     const bool isRead = error == std::errc() && end == text.data() + text.size();
@@ -89,7 +84,7 @@ std::vector<std::string> geocodingProblems(const Request& request) {
     std::vector<std::string> problems;
     // Public services turn away who does not name the application.
     if (request.header("user-agent").value_or("").empty()) problems.emplace_back("user-agent is missing");
-    if (queryText(request, "format") != "jsonv2") problems.emplace_back("format is not jsonv2");
+    if (request.queryValue("format") != "jsonv2") problems.emplace_back("format is not jsonv2");
     return problems;
 }
 

@@ -14,11 +14,6 @@ constexpr std::int64_t kClockMayDiffer = 10LL * 60 * 1000;
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-std::string valueOf(const Fields& headers, std::string_view name) {
-    const auto found = headers.find(name);
-    return found == headers.end() ? "" : found->second;
-}
-
 /// Of ASCII text, in which bytes and characters are the same.
 std::string checksum(std::string_view key) {
     long sum = 0;
@@ -35,10 +30,10 @@ using Check = bool (*)(const std::string& value, const Fields& headers);
 bool anything(const std::string& value, const Fields&) { return !value.empty(); }
 
 bool fingerprint(const std::string& value, const Fields& headers) {
-    const auto key = valueOf(headers, "developer-key");
+    const auto key = valueOf(headers, "developer-key").value_or("");
     const auto sum = isAscii(key) ? checksum(key) : "";
     return value.ends_with(sum + "direct") &&
-           value.find(valueOf(headers, "app-package-name")) != std::string::npos;
+           value.find(valueOf(headers, "app-package-name").value_or("")) != std::string::npos;
 }
 
 bool recentMilliseconds(const std::string& value, const Fields&) {
@@ -124,7 +119,7 @@ std::vector<std::string> headerProblems(const Fields& headers) {
 }
 
 std::optional<std::string> bearerToken(const Fields& headers) {
-    const auto value = valueOf(headers, "authorization");
+    const auto value = valueOf(headers, "authorization").value_or("");
     if (!bearer(value, headers)) return std::nullopt;
     return value.substr(kBearer.size());
 }

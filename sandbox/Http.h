@@ -15,6 +15,12 @@ namespace velmora::sandbox {
 /// Names and values; of a name that came twice, the values joined by ", ".
 using Fields = std::map<std::string, std::string, std::less<>>;
 
+/// Absent when there is none of the name.
+[[nodiscard]] inline std::optional<std::string> valueOf(const Fields& fields, std::string_view name) {
+    const auto found = fields.find(name);
+    return found == fields.end() ? std::nullopt : std::optional(found->second);
+}
+
 /// One request, as the service reads it.
 struct Request {
     bool secure = false;
@@ -28,8 +34,12 @@ struct Request {
 
     /// Absent when it did not come.
     [[nodiscard]] std::optional<std::string> header(std::string_view name) const {
-        const auto found = headers.find(name);
-        return found == headers.end() ? std::nullopt : std::optional(found->second);
+        return valueOf(headers, name);
+    }
+
+    /// The value of a pair of the query; absent when it did not come.
+    [[nodiscard]] std::optional<std::string> queryValue(std::string_view name) const {
+        return valueOf(query, name);
     }
 
     /// Scheme, host and port that the client reached the service by, as the beginning of a URL.

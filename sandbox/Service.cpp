@@ -43,11 +43,6 @@ std::optional<std::string> text(const json::object& object, std::string_view key
     return std::string(value->get_string());
 }
 
-std::optional<std::string> queryText(const Request& request, std::string_view key) {
-    const auto found = request.query.find(key);
-    return found == request.query.end() ? std::nullopt : std::optional(found->second);
-}
-
 std::uint64_t numberOr0(const std::optional<std::string>& digits) {
     std::uint64_t value = 0;
     if (digits) std::from_chars(digits->data(), digits->data() + digits->size(), value);
@@ -159,7 +154,7 @@ Response Service::admit(const Route& route, Call& call) {
         call.problems = headerProblems(call.request.headers);
         isReadable = call.readBody();
         call.zone = text(call.body, "zoneId");
-        if (!call.zone) call.zone = queryText(call.request, "zoneId");
+        if (!call.zone) call.zone = call.request.queryValue("zoneId");
     }
     if (route.needs == Needs::headersAndToken && !mayPass(call.request)) {
         auto response = refusal(401, "The call came without a valid access token");
@@ -210,7 +205,7 @@ Response Service::giveToken(Call& call) {
 
 Response Service::offerAdsToCache(Call& call) {
     for (const char* name : {"doneCount", "doingCount"}) {
-        const auto count = queryText(call.request, name);
+        const auto count = call.request.queryValue(name);
         if (!count || count->empty() || count->find_first_not_of("0123456789") != std::string::npos)
             call.problems.push_back(std::string(name) + " is missing or no number");
     }
@@ -224,8 +219,8 @@ Response Service::giveVast(Call& call) {
     const VastAd ad{.zone = zone,
                     .origin = call.request.origin(),
                     .suggestionId = suggestions_.nextIdFor(zone),
-                    .maySkip = queryText(call.request, "prerollType") != "1"};
-    const auto version = queryText(call.request, "vastVersion") == "2" ? VastVersion::v2 : VastVersion::v3;
+                    .maySkip = call.request.queryValue("prerollType") != "1"};
+    const auto version = call.request.queryValue("vastVersion") == "2" ? VastVersion::v2 : VastVersion::v3;
     return {.type = "application/xml", .body = vastDocument(ad, version)};
 }
 
@@ -234,7 +229,7 @@ Response Service::giveMedia(Call& call) {
 }
 
 Response Service::givePage(Call& call) {
-    call.zone = queryText(call.request, "zone");
+    call.zone = call.request.queryValue("zone");
     const auto& name = call.parts.front();
     const auto page = name == "inspector" ? std::nullopt : pageNamed(name);
     if (!page) return refusal(404, "There is no page " + name);
@@ -256,7 +251,7 @@ Response Service::showInspector(Call&) {
 }
 
 Response Service::showLedger(Call& call) {
-    return jsonAnswer(ledger(numberOr0(queryText(call.request, "after"))));
+    return jsonAnswer(ledger(numberOr0(call.request.queryValue("after"))));
 }
 
 Response Service::resetAll(Call&) {

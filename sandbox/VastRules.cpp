@@ -37,11 +37,6 @@ constexpr Rule kRules[]{
     {"screenWidth", Presence::required, {}, "deviceModel"},
 };
 
-std::optional<std::string> valueOf(const Fields& query, std::string_view name) {
-    const auto found = query.find(name);
-    return found == query.end() ? std::nullopt : std::optional(found->second);
-}
-
 /// What is wrong with one pair; empty when nothing is.
 std::string problem(const Rule& rule, const Fields& query) {
     const auto value = valueOf(query, rule.name);

@@ -21,7 +21,7 @@ struct BusObject {
     const char* interface;
 };
 
-/// A connection of its own to the machine's message bus (D-Bus Specification 0.41). Its calls wait: it is not
+/// A connection of its own to the machine's message bus (D-Bus). Its calls wait: it is not
 /// for threads of the application. No failure is logged, for a service that is not there is none.
 class SystemBus {
 public:
