@@ -7,6 +7,7 @@
 #include "model/VLDefaults.h"
 #include "net/VLRequestHeaders.h"
 #include "net/VLWebServices.h"
+#include "platform/CallOut.h"
 #include "platform/UrlText.h"
 
 namespace velmora {
@@ -89,18 +90,24 @@ std::string queryOf(const Dictionary& parameters) {
     return query;
 }
 
-}  // namespace
-
-std::optional<std::string> VelmoraVAST::getVastUrlForZone(const std::optional<std::string>& zone,
-                                                          int withType, int ofVastVersion) {
+std::optional<std::string> urlFor(const std::optional<std::string>& zone, int type, int version) {
     const auto key = VLDefaults::getDeveloperKey();
     if (!key) {
         VLLog("Velmora must be initialized before requesting ad");
         return std::nullopt;
     }
-    auto parameters = parametersFor(*key, withType, ofVastVersion);
+    auto parameters = parametersFor(*key, type, version);
     for (const auto& [name, value] : VLRequestHeaders::getHeaders()) parameters[name] = value;
     return VLWebServices::getVastUrlForZone(zone) + '?' + queryOf(parameters);
+}
+
+}  // namespace
+
+std::optional<std::string> VelmoraVAST::getVastUrlForZone(const std::optional<std::string>& zone,
+                                                          int withType, int ofVastVersion) {
+    std::optional<std::string> url;
+    platform::callOut("making a VAST URL", [&] { url = urlFor(zone, withType, ofVastVersion); });
+    return url;
 }
 
 }  // namespace velmora

@@ -17,6 +17,7 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QGeoPositionInfoSource>
+#include <QScopeGuard>
 #include <QVariantMap>
 
 namespace velmora::platform {
@@ -63,15 +64,11 @@ public:
         return *running;
     }
 
-    void add(PositionSource* source) {
+    /// The source counts as running as long as what is returned lives.
+    [[nodiscard]] std::shared_ptr<void> enter(PositionSource* source) {
         const std::lock_guard lock(mutex_);
         sources_.insert(source);
-    }
-
-    void remove(PositionSource* source) {
-        const std::lock_guard lock(mutex_);
-        sources_.erase(source);
-        left_.notify_all();
+        return {nullptr, [this, source](void*) { leave(source); }};
     }
 
     /// A service that does not answer is not waited for.
@@ -83,6 +80,12 @@ public:
     }
 
 private:
+    void leave(PositionSource* source) {
+        const std::lock_guard lock(mutex_);
+        sources_.erase(source);
+        left_.notify_all();
+    }
+
     std::mutex mutex_;
     std::set<PositionSource*> sources_;
     std::condition_variable left_;
@@ -100,10 +103,9 @@ PositionSource::PositionSource(Receiver receiver) : receiver_(std::move(receiver
 
 void PositionSource::start() {
     callOut("the start of a position source", [this] {
-        std::thread([self = shared_from_this()] {
-            Running::instance().add(self.get());
+        // What is captured first goes last.
+        std::thread([running = Running::instance().enter(this), self = shared_from_this()] {
             callOut("a position source", [&] { self->run(); });
-            Running::instance().remove(self.get());
         }).detach();
     });
 }
@@ -121,9 +123,11 @@ void PositionSource::run() {
         if (isStopped_) return;
         loop_ = &loop;
     }
+    const auto forget = qScopeGuard([this] {
+        const MutexLock lock(mutex_);
+        loop_ = nullptr;
+    });
     receiveIn(loop);
-    const MutexLock lock(mutex_);
-    loop_ = nullptr;
 }
 
 void PositionSource::receiveIn(QEventLoop& loop) {

@@ -23,7 +23,7 @@ public:
     /// The receiver is called on the source's thread, until it has stopped.
     explicit PositionSource(Receiver receiver);
 
-    /// Once. Without an application object there is nothing to receive.
+    /// Once, on the main thread.
     void start();
     /// Waits for nothing. A call that is under way may still come.
     void stop();
