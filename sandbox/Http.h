@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -28,6 +29,8 @@ struct Request {
     /// Percent-decoded, and without the query.
     std::string path;
     Fields query;
+    /// The names that the query has more than once.
+    std::set<std::string> repeated = {};
     /// Names in lower case.
     Fields headers;
     std::string body;

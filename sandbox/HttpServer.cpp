@@ -12,6 +12,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include <boost/algorithm/string/split.hpp>
 #include <openssl/pem.h>
 
 namespace velmora::sandbox {
@@ -59,11 +60,28 @@ void add(Fields& fields, std::string name, const std::string& value) {
     if (!isNew) place->second += ", " + value;
 }
 
+/// Read from the address itself: of two pairs that are the same, the library keeps one.
+std::set<std::string> repeatedNames(std::string_view target) {
+    const auto question = target.find('?');
+    if (question == std::string_view::npos) return {};
+    std::vector<std::string> pairs;
+    const std::string query(target.substr(question + 1));
+    boost::algorithm::split(pairs, query, [](char c) { return c == '&'; });
+    std::set<std::string> seen;
+    std::set<std::string> repeated;
+    for (const auto& pair : pairs) {
+        auto name = pair.substr(0, pair.find('='));
+        if (!name.empty() && !seen.insert(name).second) repeated.insert(std::move(name));
+    }
+    return repeated;
+}
+
 Request read(const httplib::Request& from, bool secure) {
     Request request{.secure = secure,
                     .method = from.method,
                     .path = from.path,
                     .query = {},
+                    .repeated = repeatedNames(from.target),
                     .headers = {},
                     .body = from.body};
     for (const auto& [name, value] : from.params) add(request.query, name, value);

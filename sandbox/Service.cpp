@@ -214,7 +214,7 @@ Response Service::offerAdsToCache(Call& call) {
 
 Response Service::giveVast(Call& call) {
     call.zone = call.parts.front();
-    call.problems = vastProblems(call.request.query);
+    call.problems = vastProblems(call.request);
     const auto& zone = zoneNamed(*call.zone);
     const VastAd ad{.zone = zone,
                     .origin = call.request.origin(),

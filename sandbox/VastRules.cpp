@@ -58,7 +58,8 @@ std::string problemOfChoice(const Fields& query, const std::string& name, const 
 
 }  // namespace
 
-std::vector<std::string> vastProblems(const Fields& query) {
+std::vector<std::string> vastProblems(const Request& request) {
+    const auto& query = request.query;
     if (query.empty()) return {"there is no query"};
     std::vector<std::string> problems;
     const auto note = [&](const std::string& words) {
@@ -68,6 +69,7 @@ std::vector<std::string> vastProblems(const Fields& query) {
     note(problemOfChoice(query, "vastVersion", "2", "3"));
     note(problemOfChoice(query, "prerollType", "1", "2"));
     for (const auto& words : identityProblems(query)) note(words);
+    for (const auto& name : request.repeated) note(name + " is there more than once");
     return problems;
 }
 
