@@ -24,8 +24,8 @@ constexpr Source place(std::string_view key) { return {Source::In::place, key}; 
 constexpr Source address(std::string_view key) { return {Source::In::address, key}; }
 
 template <auto field>
-void set(Placemark& placemark, std::string text) {
-    placemark.*field = std::move(text);
+void set(Placemark& placemark, const std::string& text) {
+    placemark.*field = text;
 }
 
 void setLines(Placemark& placemark, const std::string& text) {
@@ -41,16 +41,16 @@ void setCountryCode(Placemark& placemark, const std::string& text) {
 
 /// The first source that has a text counts: which of them an answer has depends on the country.
 struct PlaceField {
-    void (*set)(Placemark& placemark, std::string text);
+    void (*set)(Placemark& placemark, const std::string& text);
     std::array<Source, 5> sources;
 };
 
 constexpr PlaceField kFields[]{
-    {[](Placemark& mark, std::string text) { setLines(mark, text); }, {place("display_name")}},
+    {setLines, {place("display_name")}},
     {set<&Placemark::locality>,
      {address("city"), address("town"), address("village"), address("municipality"), address("hamlet")}},
     {set<&Placemark::country>, {address("country")}},
-    {[](Placemark& mark, std::string text) { setCountryCode(mark, text); }, {address("country_code")}},
+    {setCountryCode, {address("country_code")}},
     {set<&Placemark::name>, {place("name"), address("road"), address("neighbourhood")}},
     {set<&Placemark::ocean>, {address("ocean"), address("sea")}},
     {set<&Placemark::postalCode>, {address("postcode")}},
@@ -86,9 +86,9 @@ std::optional<Placemark> nominatimPlace(std::string_view answer) {
     Placemark placemark;
     for (const auto& field : kFields) {
         for (const auto& source : field.sources) {
-            auto text = textAt(source, *place, *address);
+            const auto text = textAt(source, *place, *address);
             if (!text) continue;
-            field.set(placemark, std::move(*text));
+            field.set(placemark, *text);
             break;
         }
     }
