@@ -4,8 +4,8 @@
 #include "model/VLSerializedModel.h"
 #include "platform/Location.h"
 
-#include <optional>
-#include <string>
+#include <memory>
+#include <vector>
 
 namespace velmora::platform {
 

@@ -16,10 +16,10 @@ public:
     [[nodiscard]] static std::shared_ptr<VLUserExtraInfoModel> getInstance();
 
     Property imei;
-    Property screenWidth;        ///< pixels
-    Property screenHeight;       ///< pixels
-    Property screenDensity;      ///< dots per inch: the screen's scale times 160
-    Property screenOrientation;  ///< 1 portrait, 2 landscape
+    Property screenWidth;        ///< pixels; 0 without a screen
+    Property screenHeight;       ///< pixels; 0 without a screen
+    Property screenDensity;      ///< dots per inch: the screen's scale times 160; 0 without a screen
+    Property screenOrientation;  ///< 1 portrait, 2 landscape; absent without a screen
     Property appVersion;
     Property carrier;
     Property deviceModel;

@@ -14,15 +14,17 @@ public:
     VelmoraVAST() = delete;
 
     /// The URL from which such a player fetches the pre-roll ad of a zone. It tells the service of the
-    /// application, the device and the user, and holds the access token if there is one: a URL is good for
-    /// one ad, and is not to be published. Sends nothing, waits for nothing, and never throws. Any thread.
+    /// application, the device and the user, at this moment, and holds the access token if there is one: it
+    /// is not to be published. Sends nothing and never throws; reads the application's store, as all of the
+    /// library does. Any thread.
     ///
     /// `withType` is the kind of pre-roll, 1 or 2; `ofVastVersion` the version of VAST, 2 or 3. Another
     /// number leaves the choice to the service. What the library does not know of the device or the user is
     /// missing in the query. Names and values are percent-encoded (RFC 3986), except for what a query may
     /// hold, "&" and "=" among it; the zone is put in as it stands, and an absent one as "(null)".
     ///
-    /// Absent, with a log line, as long as the library has never been initialised.
+    /// Absent, with a log line, as long as the library has never been initialised, and when the memory for it
+    /// is missing.
     [[nodiscard]] static std::optional<std::string> getVastUrlForZone(const std::optional<std::string>& zone,
                                                                       int withType, int ofVastVersion);
 

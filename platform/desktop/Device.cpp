@@ -3,6 +3,7 @@
 #include "platform/Bundle.h"
 #include "platform/Directories.h"
 #include "platform/FileManager.h"
+#include "platform/Immortal.h"
 #include "platform/Log.h"
 
 #include <fstream>
@@ -44,13 +45,13 @@ std::optional<std::string> makeVendorIdentifier() {
 
 // Each request carries these two, and neither changes while the process runs.
 std::optional<std::string> Device::machine() {
-    static const auto machine = machineOfSystem();
-    return machine;
+    static Immortal<std::optional<std::string>> machine(machineOfSystem());
+    return *machine;
 }
 
 std::optional<std::string> Device::identifierForVendor() {
-    static const auto identifier = makeVendorIdentifier();
-    return identifier;
+    static Immortal<std::optional<std::string>> identifier(makeVendorIdentifier());
+    return *identifier;
 }
 
 std::optional<std::string> Device::advertisingIdentifier() {

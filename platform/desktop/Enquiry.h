@@ -15,13 +15,15 @@
 namespace velmora::platform {
 
 /// A question to a service that may be long in answering. It is asked on a thread of its own; nobody waits
-/// longer than `kPatience` for it. It must live as long as the process.
+/// longer than `kPatience` for it.
 template <class Answer>
 class Enquiry {
 public:
     static constexpr std::chrono::milliseconds kPatience{20};
-    /// How long an answer is good.
+    /// How long an answer is good, from the moment it came.
     static constexpr std::chrono::seconds kFresh{1};
+    /// When a question that nobody answers is asked anew.
+    static constexpr std::chrono::seconds kGivenUp{30};
 
     explicit Enquiry(std::function<Answer()> question) : question_(std::move(question)) {}
 
@@ -33,14 +35,19 @@ public:
         if (asked.coming.valid()) asked.coming.wait_until(asked.at + kPatience);
         const MutexLock lock(mutex_);
         collect();
-        return last_;
+        return last_ ? std::optional(last_->answer) : std::nullopt;
     }
 
 private:
     using Time = std::chrono::steady_clock::time_point;
 
+    struct Answered {
+        Answer answer;
+        Time at;
+    };
+
     struct Asked {
-        std::shared_future<Answer> coming;
+        std::shared_future<Answered> coming;
         Time at;
     };
 
@@ -48,12 +55,16 @@ private:
         const MutexLock lock(mutex_);
         collect();
         const auto now = std::chrono::steady_clock::now();
-        if (!open_.coming.valid() && (!last_ || now - answeredAt_ > kFresh)) {
-            auto promise = std::make_shared<std::promise<Answer>>();
+        const bool isWaiting = open_.coming.valid() && now - open_.at < kGivenUp;
+        if (!isWaiting && (!last_ || now - last_->at > kFresh)) {
+            auto promise = std::make_shared<std::promise<Answered>>();
             open_ = {promise->get_future().share(), now};
             callOut("an enquiry", [&] {
                 std::thread([promise, question = question_] {
-                    callOut("an enquiry", [&] { promise->set_value(question()); });
+                    callOut("an enquiry", [&] {
+                        auto answer = question();
+                        promise->set_value({std::move(answer), std::chrono::steady_clock::now()});
+                    });
                 }).detach();
             });
         }
@@ -68,15 +79,13 @@ private:
         } catch (const std::exception&) {
             // No thread could be had for it, or what it threw has been logged.
         }
-        answeredAt_ = std::chrono::steady_clock::now();
         open_ = {};
     }
 
     const std::function<Answer()> question_;
     Mutex mutex_;
     Asked open_ VELMORA_GUARDED_BY(mutex_);
-    std::optional<Answer> last_ VELMORA_GUARDED_BY(mutex_);
-    Time answeredAt_ VELMORA_GUARDED_BY(mutex_);
+    std::optional<Answered> last_ VELMORA_GUARDED_BY(mutex_);
 };
 
 }  // namespace velmora::platform

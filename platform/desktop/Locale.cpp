@@ -1,5 +1,7 @@
 #include "platform/Locale.h"
 
+#include "platform/Immortal.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
@@ -13,8 +15,8 @@ namespace {
 
 /// Language, script and region. A name with an encoding or a modifier is followed by the same one without.
 bool isTag(const std::string& text) {
-    static const std::regex tag("[a-z]{2,3}(-[A-Z][a-z]{3})?(-[A-Z]{2}|-[0-9]{3})?");
-    return std::regex_match(text, tag);
+    static Immortal<std::regex> tag("[a-z]{2,3}(-[A-Z][a-z]{3})?(-[A-Z]{2}|-[0-9]{3})?");
+    return std::regex_match(text, *tag);
 }
 
 void append(std::vector<std::string>& languages, const char* const* names) {

@@ -1,5 +1,6 @@
 #include "platform/Location.h"
 
+#include "platform/Clock.h"
 #include "platform/Immortal.h"
 #include "platform/Log.h"
 #include "platform/MainQueue.h"
@@ -7,7 +8,8 @@
 #include "platform/desktop/PositionSource.h"
 #include "platform/desktop/SystemBus.h"
 
-#include <atomic>
+#include <chrono>
+#include <optional>
 
 namespace velmora::platform {
 
@@ -16,7 +18,39 @@ namespace {
 constexpr BusObject kService{"org.freedesktop.GeoClue2", "/org/freedesktop/GeoClue2/Manager",
                              "org.freedesktop.GeoClue2.Manager"};
 
-std::atomic authorization = LocationAuthorization::notDetermined;
+constexpr std::chrono::minutes kRefusalLasts(10);
+
+/// What the service has said to this process.
+class Authorization {
+public:
+    static Authorization& instance() {
+        static Immortal<Authorization> authorization;
+        return *authorization;
+    }
+
+    void noteRefusal() {
+        const MutexLock lock(mutex_);
+        refusal_ = Clock::current()->now();
+    }
+
+    void noteFix() {
+        const MutexLock lock(mutex_);
+        refusal_.reset();
+        hasFix_ = true;
+    }
+
+    [[nodiscard]] LocationAuthorization status() {
+        const MutexLock lock(mutex_);
+        if (refusal_ && Clock::current()->now() - *refusal_ < kRefusalLasts)
+            return LocationAuthorization::denied;
+        return hasFix_ ? LocationAuthorization::authorized : LocationAuthorization::notDetermined;
+    }
+
+private:
+    Mutex mutex_;
+    std::optional<std::chrono::system_clock::time_point> refusal_ VELMORA_GUARDED_BY(mutex_);
+    bool hasFix_ VELMORA_GUARDED_BY(mutex_) = false;
+};
 
 /// The service ends when nobody uses it, so that it may have to be started to say so.
 bool givesPositions() {
@@ -33,7 +67,7 @@ bool LocationManager::locationServicesEnabled() {
     return enquiry->answer().value_or(false);
 }
 
-LocationAuthorization LocationManager::authorizationStatus() { return authorization; }
+LocationAuthorization LocationManager::authorizationStatus() { return Authorization::instance().status(); }
 
 LocationManager::~LocationManager() { stopUpdatingLocation(); }
 
@@ -52,8 +86,8 @@ void LocationManager::startUpdatingLocation() {
         });
     };
     receiver.refused = [manager = weak_from_this()] {
-        authorization = LocationAuthorization::denied;
-        log("The location service refuses to give this application a position");
+        Authorization::instance().noteRefusal();
+        log("The location service refuses or fails to give this application a position");
         if (const auto kept = manager.lock()) kept->stopUpdatingLocation();
     };
     source_ = std::make_shared<PositionSource>(std::move(receiver));
@@ -77,7 +111,7 @@ void LocationManager::deliver(const Location& location) {
         if (!source_) return;
         delegate = delegate_.lock();
     }
-    authorization = LocationAuthorization::authorized;
+    Authorization::instance().noteFix();
     if (delegate) delegate->locationManagerDidUpdateLocations(*this, {location});
 }
 

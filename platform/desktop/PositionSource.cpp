@@ -64,30 +64,28 @@ public:
         return *running;
     }
 
-    /// The source counts as running as long as what is returned lives.
-    [[nodiscard]] std::shared_ptr<void> enter(PositionSource* source) {
+    void enter(const std::shared_ptr<PositionSource>& source) {
         const std::lock_guard lock(mutex_);
         sources_.insert(source);
-        return {nullptr, [this, source](void*) { leave(source); }};
+    }
+
+    void leave(const std::shared_ptr<PositionSource>& source) {
+        const std::lock_guard lock(mutex_);
+        sources_.erase(source);
+        left_.notify_all();
     }
 
     /// A service that does not answer is not waited for.
     void endAll() {
         constexpr std::chrono::seconds patience(1);
         std::unique_lock lock(mutex_);
-        for (auto* source : sources_) source->stop();
+        for (const auto& source : sources_) source->stop();
         left_.wait_for(lock, patience, [this] { return sources_.empty(); });
     }
 
 private:
-    void leave(PositionSource* source) {
-        const std::lock_guard lock(mutex_);
-        sources_.erase(source);
-        left_.notify_all();
-    }
-
     std::mutex mutex_;
-    std::set<PositionSource*> sources_;
+    std::set<std::shared_ptr<PositionSource>> sources_;
     std::condition_variable left_;
 };
 
@@ -102,12 +100,17 @@ Q_COREAPP_STARTUP_FUNCTION(endWithApplication)
 PositionSource::PositionSource(Receiver receiver) : receiver_(std::move(receiver)) {}
 
 void PositionSource::start() {
-    callOut("the start of a position source", [this] {
-        // What is captured first goes last.
-        std::thread([running = Running::instance().enter(this), self = shared_from_this()] {
+    const auto self = shared_from_this();
+    Running::instance().enter(self);
+    bool isStarted = false;
+    callOut("the start of a position source", [&] {
+        std::thread([self] {
             callOut("a position source", [&] { self->run(); });
+            Running::instance().leave(self);
         }).detach();
+        isStarted = true;
     });
+    if (!isStarted) Running::instance().leave(self);
 }
 
 void PositionSource::stop() {
@@ -141,6 +144,8 @@ void PositionSource::receiveIn(QEventLoop& loop) {
                      [this](QGeoPositionInfoSource::Error error) {
                          if (error == QGeoPositionInfoSource::AccessError) receiver_.refused();
                      });
+    // As exact as there is. Left alone, the toolkit asks for the least.
+    source->setPreferredPositioningMethods(QGeoPositionInfoSource::AllPositioningMethods);
     source->startUpdates();
     loop.exec();
     // The connection to the bus outlives the source: without this the service would go on measuring.

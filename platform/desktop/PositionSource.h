@@ -17,6 +17,7 @@ class PositionSource : public std::enable_shared_from_this<PositionSource> {
 public:
     struct Receiver {
         std::function<void(const Location& location)> located;
+        /// The service refused, or failed: the toolkit does not tell which.
         std::function<void()> refused;
     };
 

@@ -51,9 +51,11 @@ public:
         auto* application = qobject_cast<QGuiApplication*>(QCoreApplication::instance());
         if (application == nullptr) return;
         owner_ = std::make_unique<QObject>();
+        // The library may be loaded by another thread than the application's.
+        owner_->moveToThread(application->thread());
         QObject::connect(application, &QGuiApplication::primaryScreenChanged, owner_.get(),
                          [this](const QScreen* screen) { follow(screen); });
-        follow(QGuiApplication::primaryScreen());
+        QMetaObject::invokeMethod(owner_.get(), [this] { follow(QGuiApplication::primaryScreen()); });
     }
 
     void detach() {

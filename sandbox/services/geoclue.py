@@ -1,7 +1,8 @@
 """A mock of GeoClue for python-dbusmock: one client, which gets one position when it starts.
 
 Parameters: "level" is the accuracy that is to be had, 0 where the user turned it off; "location" replaces properties of the
-position; "silent" starts and gives none; "denied" refuses to start; "late" is how many seconds each answer takes.
+position; "silent" starts and gives none; "times" is how often the position is told; "error" is the name of the error that
+starting ends in; "late" is how many seconds each answer takes.
 """
 
 import dbus
@@ -14,15 +15,19 @@ SYSTEM_BUS = True
 CLIENT = "/org/freedesktop/GeoClue2/Client/1"
 LOCATION = CLIENT + "/Location/0"
 
+# As the real service does it: who asks for little gets little.
 START = f"""
+if self.props['{BUS_NAME}.Client']['RequestedAccuracyLevel'] < 6:
+    objects['{LOCATION}'].UpdateProperties('{BUS_NAME}.Location', {{'Accuracy': 300000.0}})
 self.EmitSignal('{BUS_NAME}.Client', 'LocationUpdated', 'oo', [dbus.ObjectPath('/'), dbus.ObjectPath('{LOCATION}')])
 """
-REFUSE = "raise dbus.exceptions.DBusException('the user said no', name='org.freedesktop.DBus.Error.AccessDenied')"
 
 
 def load(mock, parameters):
     wait = f"import time; time.sleep({float(parameters.get('late', 0))})\n"
-    start = REFUSE if parameters.get("denied") else "" if parameters.get("silent") else START
+    start = "" if parameters.get("silent") else START * parameters.get("times", 1)
+    if "error" in parameters:
+        start = f"raise dbus.exceptions.DBusException('not now', name={parameters['error']!r})"
     properties = {"AvailableAccuracyLevel": dbus.UInt32(parameters.get("level", 8)), "InUse": False}
     mock.AddProperties(MAIN_IFACE, dbus.Dictionary(properties, signature="sv"))
     for name in ("GetClient", "CreateClient"):

@@ -9,6 +9,7 @@
 
 #include <chrono>
 #include <map>
+#include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -37,7 +38,9 @@ class GeocoderAnswer : public testing::Test {
 protected:
     Outcome ask() {
         std::optional<Outcome> outcome;
+        const auto main = std::this_thread::get_id();
         Geocoder::reverseGeocodeLocation(kLocation, [&](const auto& placemarks, const auto& error) {
+            EXPECT_EQ(std::this_thread::get_id(), main);
             outcome = Outcome{placemarks, error};
         });
         EXPECT_TRUE(application_.runUntil([&] { return outcome.has_value(); }));

@@ -2,6 +2,7 @@
 
 #include "support/EventLoop.h"
 #include "support/LogCapture.h"
+#include "support/ManualClock.h"
 #include "support/SystemServices.h"
 
 #include <chrono>
@@ -81,14 +82,19 @@ TEST(LocationManager, AStoppedOneIsHeardNoMore) {
     EXPECT_TRUE(located.hears());
 }
 
-TEST(LocationManager, ARefusalIsRemembered) {
+TEST(LocationManager, ARefusalIsRememberedForAWhile) {
     const LogCapture log;
-    const Located located(R"({"denied": true})");
+    UseManualClock clock;
+    const Located located(R"({"error": "org.freedesktop.DBus.Error.AccessDenied"})");
     EXPECT_TRUE(isEnabledInTheEnd());
     EXPECT_TRUE(
         runUntil([] { return LocationManager::authorizationStatus() == LocationAuthorization::denied; }));
     EXPECT_FALSE(located.hears(100ms));
     EXPECT_TRUE(log.has("refuses"));
+    clock->advance(std::chrono::minutes(9));
+    EXPECT_EQ(LocationManager::authorizationStatus(), LocationAuthorization::denied);
+    clock->advance(std::chrono::minutes(2));
+    EXPECT_EQ(LocationManager::authorizationStatus(), LocationAuthorization::notDetermined);
 }
 
 TEST(LocationManager, AServiceThatIsLateKeepsNobodyWaitingAndIsHeardLater) {

@@ -4,6 +4,7 @@
 #include "support/LogCapture.h"
 #include "support/Threads.h"
 
+#include <algorithm>
 #include <atomic>
 #include <future>
 #include <stdexcept>
@@ -51,6 +52,24 @@ TEST(Enquiry, AQuestionThatTakesLongIsAskedOnceAndKeepsNobodyWaiting) {
     EXPECT_EQ(asked, 1);
     answer.set_value(7);
     EXPECT_EQ(answerInTheEnd(*enquiry), 7);
+}
+
+TEST(Enquiry, WhoAsksWaitsForAMomentOnly) {
+    static std::promise<void> end;
+    static std::shared_future<void> ended = end.get_future().share();
+    auto least = std::chrono::steady_clock::duration::max();
+    for (int time = 0; time < 5; ++time) {
+        Enquiry<int> enquiry([] {
+            ended.wait();
+            return 1;
+        });
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(enquiry.answer(), std::nullopt);
+        least = std::min(least, std::chrono::steady_clock::now() - start);
+    }
+    // Two of them may come together in the fifty milliseconds that a caller has.
+    EXPECT_LT(least, 25ms);
+    end.set_value();
 }
 
 TEST(Enquiry, AQuestionThatFailsHasNoAnswerAndIsAskedAgain) {

@@ -3,6 +3,7 @@
 #include "platform/ViewController.h"
 #include "support/Application.h"
 #include "support/LogCapture.h"
+#include "tools/UserInfoGate.h"
 
 #include <memory>
 #include <optional>
@@ -34,6 +35,14 @@ TEST(NoScreen, NothingIsPresentedAndNothingFails) {
         EXPECT_FALSE(one->isViewLoaded());
         platform::Application::setRootViewController(nullptr);
     }
+}
+
+TEST(NoScreen, TheRecordOfTheDeviceHasAScreenOfNoSize) {
+    VLUserExtraInfoModelGate::open();
+    const auto info = VLUserExtraInfoModel::getInstance();
+    for (const auto& size : {info->screenWidth, info->screenHeight, info->screenDensity})
+        EXPECT_EQ(size, platform::Property(0.0));
+    EXPECT_EQ(info->screenOrientation, std::nullopt);
 }
 
 }  // namespace

@@ -20,6 +20,8 @@ using velmora::VLUserExtraInfoModel;
 
 constexpr auto kPause = 50ms;
 constexpr auto kUsualPatience = 3000;
+/// Services that are started only now, or are busy, answer a little later than the library waits.
+constexpr auto kLateness = 500ms;
 
 /// Prints the record as long as it changes.
 class Facts {
@@ -32,6 +34,20 @@ public:
         printIfNew();
     }
 
+    void goOn() {
+        if (!info_->geoInfo && isEarly()) return find();
+        printIfNew();
+    }
+
+    /// Whether nothing more is to be expected.
+    [[nodiscard]] bool areComplete() const {
+        if (!info_->geoInfo) return !isEarly();
+        return info_->geoInfo->geoInfoLocation.get()->longitude.get().has_value();
+    }
+
+private:
+    [[nodiscard]] bool isEarly() const { return std::chrono::steady_clock::now() - start_ < kLateness; }
+
     void printIfNew() {
         auto record = velmora::dictionaryOf(*info_);
         if (record == printed_) return;
@@ -40,14 +56,7 @@ public:
         std::cout << velmora::platform::writeJson(line).value_or("{}") << std::endl;
     }
 
-    /// Whether nothing more is to be expected.
-    [[nodiscard]] bool areComplete() const {
-        if (!info_->geoInfo) return true;
-        const auto place = info_->geoInfo->geoInfoLocation.get();
-        return place->longitude.get().has_value();
-    }
-
-private:
+    const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
     std::shared_ptr<VLUserExtraInfoModel> info_;
     velmora::Dictionary printed_;
     double milliseconds_ = 0;
@@ -66,11 +75,10 @@ int main(int count, char** words) {
     Facts facts;
     QTimer often;
     QObject::connect(&often, &QTimer::timeout, [&] {
-        facts.printIfNew();
+        facts.goOn();
         if (facts.areComplete()) QGuiApplication::quit();
     });
     QTimer::singleShot(0, [&] {
-        // The services that are started only now answer a little later.
         facts.find();
         often.start(kPause);
     });
