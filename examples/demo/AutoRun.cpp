@@ -11,16 +11,22 @@
 #include "Visit.h"
 
 #include <algorithm>
+#include <chrono>
 #include <iostream>
 
 #include <QApplication>
 #include <QDateTime>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QTimer>
 
 namespace demo {
 
 namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kLook = 50ms;
 
 QDir reportFolder(const QString& wanted) {
     const auto name = "velmora-demo-" + QDateTime::currentDateTime().toString("yyyyMMdd-HHmmss");
@@ -89,22 +95,28 @@ void AutoRun::onVisited() {
 }
 
 void AutoRun::onVastVisited() {
-    for (const auto& answer : vast_->answers()) {
-        const auto wrong = VastVisits::deviations(answer);
-        if (arguments_.json) {
-            auto line = toJson(answer);
-            line["deviations"] = QJsonArray::fromStringList(wrong);
-            print(line);
-            continue;
-        }
-        std::cout << verdict(wrong) << qPrintable(answer.question.zone.leftJustified(17)) << "VAST "
-                  << answer.question.version << ".0 for a player of one's own" << std::endl;
-        for (const auto& words : wrong) std::cout << "      " << qPrintable(words) << std::endl;
-    }
+    for (const auto& answer : vast_->answers()) say(answer);
+    window_.vast().show(vast_->answers().back());
+    awaitDevice();
+}
+
+void AutoRun::awaitDevice() {
+    if (!facts_.isDone()) return QTimer::singleShot(kLook, this, &AutoRun::awaitDevice);
     if (arguments_.json && facts_.canBeFound())
         print({{"event", "device"}, {"userExtraInfo", facts_.record()}, {"trouble", facts_.trouble()}});
-    window_.vast().show(vast_->answers().back());
     end();
+}
+
+void AutoRun::say(const VastAnswer& answer) const {
+    const auto wrong = VastVisits::deviations(answer);
+    if (arguments_.json) {
+        auto line = toJson(answer);
+        line["deviations"] = QJsonArray::fromStringList(wrong);
+        return print(line);
+    }
+    std::cout << verdict(wrong) << qPrintable(answer.question.zone.leftJustified(17)) << "VAST "
+              << answer.question.version << ".0 for a player of one's own" << std::endl;
+    for (const auto& words : wrong) std::cout << "      " << qPrintable(words) << std::endl;
 }
 
 void AutoRun::say(const Record& record) const {
@@ -133,8 +145,8 @@ QList<Picture> AutoRun::ownPictures() {
                               .arg(one.width())
                               .arg(one.height())
                               .arg(theme->isDark ? "dark" : "light"));
+            if (auto* page = window_.findChild<QWidget*>("page")) take(*page, "all of it");
         }
-        if (auto* page = window_.findChild<QWidget*>("page")) take(*page, "all of it");
     }
     window_.wear(before);
     window_.resize(size);

@@ -17,6 +17,7 @@ class DeviceFacts;
 class MainWindow;
 class SandboxLedger;
 class VastVisits;
+struct VastAnswer;
 class Visit;
 
 /// Runs the scenarios one after another, says how each went, and leaves a report.
@@ -37,6 +38,9 @@ private:
     void runNext();
     void onVisited();
     void onVastVisited();
+    /// A place that is still looked for is waited for; the looking has its own end.
+    void awaitDevice();
+    void say(const VastAnswer& answer) const;
     void end();
     void say(const Record& record) const;
     void sayEnd(const QString& file, const QString& troubleWords, bool isGood) const;

@@ -1,10 +1,18 @@
 #include "DeviceFacts.h"
 
+#include <chrono>
+
 #include <QJsonDocument>
 
 namespace demo {
 
 namespace {
+
+using namespace std::chrono_literals;
+
+/// The program itself looks for three seconds; a busy machine may be slow to start it.
+constexpr auto kPatience = 8s;
+constexpr qint64 kMostBytes = 256 * 1024;
 
 QString plain(const QJsonValue& value) { return value.toVariant().toString(); }
 
@@ -75,10 +83,16 @@ DeviceFacts::DeviceFacts(QString program, QObject* parent) : QObject(parent), pr
     process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     connect(&process_, &QProcess::readyReadStandardOutput, this, &DeviceFacts::read);
     connect(&process_, &QProcess::errorOccurred, this, [this] {
-        trouble_ = process_.errorString();
+        if (trouble_.isEmpty()) trouble_ = process_.errorString();
+        if (isDone()) limit_.stop();
         emit changed();
     });
-    connect(&process_, &QProcess::finished, this, &DeviceFacts::changed);
+    connect(&process_, &QProcess::finished, this, [this] {
+        limit_.stop();
+        emit changed();
+    });
+    limit_.setSingleShot(true);
+    connect(&limit_, &QTimer::timeout, this, [this] { giveUp("the program came to no end"); });
 }
 
 DeviceFacts::~DeviceFacts() {
@@ -90,12 +104,26 @@ DeviceFacts::~DeviceFacts() {
 void DeviceFacts::look() {
     if (!canBeFound() || !isDone()) return;
     trouble_.clear();
+    heard_ = 0;
+    limit_.start(kPatience);
     process_.start(program_, QStringList());
+    emit changed();
+}
+
+void DeviceFacts::giveUp(const QString& reason) {
+    if (trouble_.isEmpty()) trouble_ = reason;
+    process_.kill();
 }
 
 void DeviceFacts::read() {
+    if (heard_ + process_.bytesAvailable() > kMostBytes) {
+        process_.readAllStandardOutput();
+        return giveUp("the program says too much");
+    }
     while (process_.canReadLine()) {
-        const auto line = QJsonDocument::fromJson(process_.readLine()).object();
+        const auto text = process_.readLine();
+        heard_ += text.size();
+        const auto line = QJsonDocument::fromJson(text).object();
         if (line.contains("userExtraInfo")) said_ = line;
     }
     emit changed();

@@ -5,11 +5,13 @@
 #include <QJsonObject>
 #include <QObject>
 #include <QProcess>
+#include <QTimer>
 
 namespace demo {
 
 /// What the library finds out about this device. It tells nobody but the ad service: a program that looks
-/// into it says so, and says more when more is found.
+/// into it says so, and says more when more is found. The program is given some seconds, and is ended then;
+/// what it does in them harms nobody here.
 class DeviceFacts : public QObject {
     Q_OBJECT
 
@@ -39,9 +41,13 @@ signals:
 
 private:
     void read();
+    /// Ends the program; the first reason stays.
+    void giveUp(const QString& reason);
 
     const QString program_;
     QProcess process_;
+    QTimer limit_;
+    qint64 heard_ = 0;
     QJsonObject said_;
     QString trouble_;
 };

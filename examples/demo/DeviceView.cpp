@@ -11,9 +11,11 @@ namespace demo {
 namespace {
 
 QString wordsFor(const DeviceFacts& facts) {
-    if (!facts.trouble().isEmpty()) return "It cannot be found out: " + facts.trouble();
+    const auto& trouble = facts.trouble();
+    if (facts.record().isEmpty() && !trouble.isEmpty()) return "It cannot be found out: " + trouble;
     if (facts.record().isEmpty()) return facts.isDone() ? "Nothing was found out." : "Looking…";
     const auto took = QString("The library took %1 ms for it").arg(facts.milliseconds(), 0, 'f', 1);
+    if (!trouble.isEmpty()) return took + "; then " + trouble + '.';
     return facts.isDone() ? took + "." : took + "; the place may still come.";
 }
 
@@ -34,11 +36,11 @@ DeviceView::DeviceView(DeviceFacts& facts, QWidget* parent)
     words_->setObjectName("soft");
     words_->setWordWrap(true);
     column->addWidget(table_);
-    column->addStretch(1);
     auto* row = new QHBoxLayout;
     row->addWidget(words_, 1);
     row->addWidget(again_);
     column->addLayout(row);
+    column->addStretch(1);
     connect(again_, &QPushButton::clicked, &facts_, &DeviceFacts::look);
     connect(&facts_, &DeviceFacts::changed, this, &DeviceView::refresh);
     refresh();

@@ -8,7 +8,7 @@ namespace {
 
 constexpr qsizetype kLongestPiece = 12;
 
-/// Where a label may break a word. It does so of itself after a hyphen.
+/// Where a label may break a word. Of itself it does not even after a hyphen, if a digit follows.
 constexpr QChar kBreak(0x200B);
 
 /// Names of several words in one may break between them.
@@ -23,9 +23,11 @@ QString breakable(const QString& text) {
     QString pieces;
     qsizetype piece = 0;
     for (const auto c : text) {
-        piece = c.isSpace() || c == '-' ? 0 : piece + 1;
+        // A sign stays with its number.
+        const bool isHyphen = c == '-' && !pieces.isEmpty();
         pieces += c;
-        if (piece == kLongestPiece) {
+        piece = c.isSpace() ? 0 : piece + 1;
+        if (isHyphen || piece == kLongestPiece) {
             pieces += kBreak;
             piece = 0;
         }

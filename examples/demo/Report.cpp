@@ -123,13 +123,14 @@ QString tableOf(const QString& heading, const QList<Fact>& facts) {
 
 QString sectionOf(const VastAnswer& answer) {
     const auto wrong = VastVisits::deviations(answer);
+    const QList<Fact> asked{{"Asked at", answer.address()}};
     auto html =
         QString("<section>\n<div class='head'><h2>VAST %1.0</h2><span>the pre-roll of %2</span>%3</div>\n")
             .arg(answer.question.version)
             .arg(answer.question.zone,
                  pill(wrong.isEmpty(), wrong.isEmpty() ? "as planned" : "not as planned"));
     if (!wrong.isEmpty()) html += "<ul class='bad'><li>" + wrong.join("; ").toHtmlEscaped() + "</li></ul>\n";
-    return html + "<div class='columns'>\n" + tableOf("What the service answered", answer.facts()) +
+    return html + "<div class='columns'>\n" + tableOf("What the service answered", asked + answer.facts()) +
            tableOf("The pairs of the URL", answer.pairs()) +
            tableOf("The library's headers in it", answer.headers()) + "</div>\n</section>\n";
 }
@@ -142,13 +143,25 @@ QString sectionOf(const QList<Fact>& device) {
            tableOf("&nbsp;", device.sliced(half)) + "</div>\n</section>\n";
 }
 
-QString verdict(const QList<Record>& records, const QString& trouble) {
-    const auto good = std::count_if(records.begin(), records.end(),
-                                    [](const Record& record) { return record.wrong.isEmpty(); });
-    const auto words = QString("%1 of %2 showings as planned").arg(good).arg(records.size());
+/// How many of them are as planned.
+QString tally(qsizetype good, qsizetype all, const char* what) {
+    return QString("%1 of %2 %3 as planned").arg(good).arg(all).arg(what);
+}
+
+QString verdict(const Story& story) {
+    const auto& records = story.records;
+    const auto& vast = story.vast;
+    const auto& trouble = story.trouble;
+    const auto shown = std::count_if(records.begin(), records.end(),
+                                     [](const Record& record) { return record.wrong.isEmpty(); });
+    const auto fetched = std::count_if(vast.begin(), vast.end(), [](const VastAnswer& answer) {
+        return VastVisits::deviations(answer).isEmpty();
+    });
     auto html = "<div class='head'><h1>Velmora demo</h1>" +
-                pill(trouble.isEmpty() && good == records.size(), words) + "<span class='soft'>" +
-                QDateTime::currentDateTime().toString("yyyy-MM-dd HH:mm:ss") + "</span></div>\n";
+                pill(trouble.isEmpty() && shown == records.size(), tally(shown, records.size(), "showings")) +
+                pill(trouble.isEmpty() && fetched == vast.size(), tally(fetched, vast.size(), "VAST URLs")) +
+                "<span class='soft'>" + QDateTime::currentDateTime().toString("yyyy-MM-dd HH:mm:ss") +
+                "</span></div>\n";
     if (!trouble.isEmpty()) html += "<ul class='bad'><li>" + trouble.toHtmlEscaped() + "</li></ul>\n";
     return html;
 }
@@ -158,7 +171,7 @@ QString verdict(const QList<Record>& records, const QString& trouble) {
 Report::Report(const QDir& folder) : folder_(folder) {}
 
 QString Report::write(const Story& story) const {
-    auto html = QString(kHead) + verdict(story.records, story.trouble);
+    auto html = QString(kHead) + verdict(story);
     for (const auto& record : story.records) html += sectionOf(record);
     for (const auto& answer : story.vast) html += sectionOf(answer);
     html += sectionOf(story.device);

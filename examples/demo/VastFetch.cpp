@@ -21,6 +21,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto kPatience = 10s;
+constexpr int kGood = 200;
 
 /// The library's headers have their names in small letters and hyphens; the others are in one word.
 bool isHeader(const QString& name) { return name.contains('-') || name == "authorization"; }
@@ -46,9 +47,22 @@ void read(const QByteArray& document, VastAnswer& answer) {
         if (name == "Linear") answer.skipOffset = attributes.value("skipoffset").toString();
         if (name == "AdTitle") answer.title = reader.readElementText();
         if (name == "Duration") answer.duration = reader.readElementText();
-        if (name == "MediaFile") answer.mediaFiles << reader.readElementText().trimmed();
+        if (name != "MediaFile") continue;
+        if (const auto file = reader.readElementText().trimmed(); !file.isEmpty()) answer.mediaFiles << file;
     }
     if (reader.hasError()) answer.error = "The document cannot be read: " + reader.errorString();
+}
+
+/// The reply's own words for a status have the whole URL in them, and with it the access token.
+QString troubleOf(const QNetworkReply& reply) {
+    const auto status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    if (reply.error() == QNetworkReply::OperationCanceledError)
+        return QString("No answer within %1 s").arg(kPatience.count());
+    if (status == 0) return "The service was not reached: " + reply.errorString();
+    const auto reason = reply.attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString();
+    if (status != kGood)
+        return QString("The service answered with status %1 %2").arg(status).arg(reason).trimmed();
+    return reply.error() == QNetworkReply::NoError ? QString() : "The answer broke off";
 }
 
 QNetworkRequest requestFor(const QUrl& url) {
@@ -64,13 +78,16 @@ QNetworkRequest requestFor(const QUrl& url) {
 
 }  // namespace
 
+QString VastAnswer::address() const { return QUrl(url).toString(QUrl::RemoveQuery); }
+
 QList<Fact> VastAnswer::pairs() const { return pairsOf(url, false); }
 
 QList<Fact> VastAnswer::headers() const { return pairsOf(url, true); }
 
 QList<Fact> VastAnswer::facts() const {
     if (!error.isEmpty()) return {{"Came", error}};
-    QList<Fact> facts{{"Came", QString("status %1, VAST %2, %3 ad").arg(status).arg(version).arg(ads)}};
+    const auto count = ads == 0 ? QString("no ad") : ads == 1 ? "one ad" : QString("%1 ads").arg(ads);
+    QList<Fact> facts{{"Came", QString("status %1, VAST %2, %3").arg(status).arg(version, count)}};
     if (ads == 0) return facts;
     facts << Fact{"Title", title} << Fact{"Duration", duration} << Fact{"May be skipped from", skipOffset}
           << Fact{"Tracking events", QString::number(trackingEvents)};
@@ -122,10 +139,8 @@ void VastFetch::fetch(const VastQuestion& question) {
     connect(reply, &QNetworkReply::finished, this, [this, reply, answer]() mutable {
         reply->deleteLater();
         answer.status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-        if (reply->error() == QNetworkReply::NoError)
-            read(reply->readAll(), answer);
-        else
-            answer.error = reply->errorString();
+        answer.error = troubleOf(*reply);
+        if (answer.error.isEmpty()) read(reply->readAll(), answer);
         emit came(answer);
     });
 }

@@ -31,6 +31,8 @@ struct VastAnswer {
     QStringList mediaFiles = {};
     int trackingEvents = 0;
 
+    /// The URL up to its query.
+    [[nodiscard]] QString address() const;
     /// The pairs of the URL's query that are not headers.
     [[nodiscard]] QList<Fact> pairs() const;
     /// The library's headers among them.

@@ -12,11 +12,12 @@ namespace demo {
 
 namespace {
 
-constexpr int kNarrowestChoice = 120;
+constexpr int kNarrowestChoice = 200;
 constexpr int kGap = 8;
 
 QString wordsFor(const VastAnswer& answer) {
-    return htmlOf(answer.facts(), "from nowhere") + "<p>The URL ends in a query with these pairs:</p>" +
+    const QList<Fact> address{{"Asked at", answer.address()}};
+    return htmlOf(address + answer.facts(), "not told") + "<p>The URL ends in a query with these pairs:</p>" +
            htmlOf(answer.pairs(), "empty") + "<p>and with the library's headers:</p>" +
            htmlOf(answer.headers(), "empty");
 }

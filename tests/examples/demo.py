@@ -3,6 +3,8 @@
 Arguments: the sandbox ad service, the demo application, and the program that finds out the device's facts.
 """
 
+import http.client
+import http.server
 import json
 import os
 import pathlib
@@ -10,9 +12,37 @@ import re
 import subprocess
 import sys
 import tempfile
+import threading
 import unittest
+import urllib.parse
 
 SERVICE, DEMO, FACTS = (pathlib.Path(argument).resolve() for argument in sys.argv[1:4])
+
+
+class WithoutVast(http.server.BaseHTTPRequestHandler):
+    """Passes everything on to the service except what asks for a VAST document, which it refuses."""
+
+    def pass_on(self):
+        if self.path.partition("?")[0].endswith("/vast"):
+            return self.send_error(503, "Out of order")
+        body = self.rfile.read(int(self.headers.get("content-length", 0)))
+        behind = http.client.HTTPConnection(self.server.behind, timeout=20)
+        behind.request(self.command, self.path, body or None, dict(self.headers))
+        answer = behind.getresponse()
+        content = answer.read()
+        behind.close()
+        self.send_response(answer.status)
+        for name, value in answer.getheaders():
+            if name.lower() not in ("connection", "keep-alive", "transfer-encoding", "content-length"):
+                self.send_header(name, value)
+        self.send_header("content-length", str(len(content)))
+        self.end_headers()
+        self.wfile.write(content)
+
+    do_GET = do_POST = do_PUT = pass_on
+
+    def log_message(self, *_):
+        pass
 
 
 class Demo(unittest.TestCase):
@@ -27,6 +57,21 @@ class Demo(unittest.TestCase):
         self.addCleanup(self.service.wait)
         self.addCleanup(self.service.terminate)
         self.facts = json.loads(self.service.stdout.readline())
+
+    def stand_between(self):
+        """The base of a service that has no VAST documents."""
+        server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), WithoutVast)
+        server.behind = urllib.parse.urlsplit(self.facts["inspector"]).netloc
+        threading.Thread(target=server.serve_forever, daemon=True).start()
+        self.addCleanup(server.server_close)
+        self.addCleanup(server.shutdown)
+        return f"http://127.0.0.1:{server.server_port}/v2"
+
+    def program(self, script):
+        path = self.folder / "program"
+        path.write_text("#!/bin/sh\n" + script)
+        path.chmod(0o755)
+        return path
 
     def start(self, *arguments):
         variables = os.environ | {
@@ -79,6 +124,32 @@ class Demo(unittest.TestCase):
         self.assertEqual((status, answers), (0, [("2.0", 1, 1), ("3.0", 1, 1)]))
         trouble = next(event["trouble"] for event in events if event["event"] == "device")
         self.assertIn("No such file", trouble)
+
+    def test_a_pre_roll_that_does_not_come_is_a_failure(self):
+        self.facts["api"] = self.stand_between()
+        status, events = self.run_zone("no-fill")
+        deviations = {event["event"]: event["deviations"] for event in events if "deviations" in event}
+        self.assertEqual(deviations["visited"], [])
+        self.assertIn("status 503 Out of order", deviations["vast"][0])
+        # A URL is good for one ad, and not to be published.
+        self.assertNotIn("secretKey", "".join(deviations["vast"]))
+        self.assertEqual((status, events[-1]["asPlanned"], events[-1]["trouble"]), (1, False, ""))
+        self.assertIn("0 of 2 VAST URLs as planned", pathlib.Path(events[-1]["report"]).read_text())
+
+    def test_a_program_for_the_facts_that_misbehaves_harms_nobody(self):
+        scripts = {
+            'echo \'{"userExtraInfo": {"mcc": 7}}\'; exec sleep 1000': ({"mcc": 7}, "came to no end"),
+            "exec yes": ({}, "says too much"),
+            "exec cat /dev/zero": ({}, "says too much"),
+            "kill -SEGV $$": ({}, "crashed"),
+            "echo nonsense": ({}, ""),
+        }
+        for script, (found, words) in scripts.items():
+            with self.subTest(script):
+                status, events = self.run_zone("no-fill", "--facts", self.program(script))
+                device = next(event for event in events if event["event"] == "device")
+                self.assertEqual((status, device["userExtraInfo"]), (0, found))
+                self.assertIn(words, device["trouble"])
 
     def test_a_video_that_cannot_be_loaded_is_told_as_completed(self):
         status, events = self.run_zone("broken-video")
