@@ -18,7 +18,7 @@ LOCATION = CLIENT + "/Location/0"
 # As the real service does it: who asks for little gets little.
 START = f"""
 if self.props['{BUS_NAME}.Client']['RequestedAccuracyLevel'] < 6:
-    objects['{LOCATION}'].UpdateProperties('{BUS_NAME}.Location', {{'Accuracy': 300000.0}})
+    objects['{LOCATION}'].UpdateProperties('{BUS_NAME}.Location', {{'Accuracy': dbus.Double(300000.0)}})
 self.EmitSignal('{BUS_NAME}.Client', 'LocationUpdated', 'oo', [dbus.ObjectPath('/'), dbus.ObjectPath('{LOCATION}')])
 """
 
