@@ -131,7 +131,7 @@ class Demo(unittest.TestCase):
         deviations = {event["event"]: event["deviations"] for event in events if "deviations" in event}
         self.assertEqual(deviations["visited"], [])
         self.assertIn("status 503 Out of order", deviations["vast"][0])
-        # A URL is good for one ad, and not to be published.
+        # It has the access token in it.
         self.assertNotIn("secretKey", "".join(deviations["vast"]))
         self.assertEqual((status, events[-1]["asPlanned"], events[-1]["trouble"]), (1, False, ""))
         self.assertIn("0 of 2 VAST URLs as planned", pathlib.Path(events[-1]["report"]).read_text())
