@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <atomic>
 #include <future>
+#include <latch>
+#include <memory>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
@@ -55,12 +57,12 @@ TEST(Enquiry, AQuestionThatTakesLongIsAskedOnceAndKeepsNobodyWaiting) {
 }
 
 TEST(Enquiry, WhoAsksWaitsForAMomentOnly) {
-    static std::promise<void> end;
-    static std::shared_future<void> ended = end.get_future().share();
+    // Held by the questions too: those still being asked outlive the test.
+    const auto end = std::make_shared<std::latch>(1);
     auto least = std::chrono::steady_clock::duration::max();
     for (int time = 0; time < 5; ++time) {
-        Enquiry<int> enquiry([] {
-            ended.wait();
+        Enquiry<int> enquiry([end] {
+            end->wait();
             return 1;
         });
         const auto start = std::chrono::steady_clock::now();
@@ -69,7 +71,7 @@ TEST(Enquiry, WhoAsksWaitsForAMomentOnly) {
     }
     // Two of them may come together in the fifty milliseconds that a caller has.
     EXPECT_LT(least, 25ms);
-    end.set_value();
+    end->count_down();
 }
 
 TEST(Enquiry, AQuestionThatFailsHasNoAnswerAndIsAskedAgain) {
