@@ -3,6 +3,7 @@
 #include "device/VLMD5.h"
 #include "platform/Bundle.h"
 #include "platform/Device.h"
+#include "platform/Value.h"
 
 namespace velmora {
 
@@ -11,7 +12,7 @@ std::optional<std::string> VLDeviceAppInfo::deviceModel() { return platform::Dev
 std::optional<std::string> VLDeviceAppInfo::deviceIdentifier() {
     const auto vendor = platform::Device::identifierForVendor();
     if (!vendor) return std::nullopt;
-    return *vendor + "-" + VLMD5(platform::Bundle::main().identifier()).value_or("(null)");
+    return *vendor + "-" + platform::formatted(VLMD5(platform::Bundle::main().identifier()));
 }
 
 std::optional<std::string> VLDeviceAppInfo::advertisingIdentifier() {

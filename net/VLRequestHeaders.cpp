@@ -7,6 +7,7 @@
 #include "platform/Bundle.h"
 #include "platform/Clock.h"
 #include "platform/Reachability.h"
+#include "platform/Value.h"
 
 #include <boost/locale/encoding_utf.hpp>
 
@@ -18,12 +19,10 @@ constexpr const char* kSecretToken = "480726";
 /// A public name server that is always there.
 constexpr const char* kReachabilityTarget = "9.9.9.9";
 
-std::string orNull(const std::optional<std::string>& text) { return text.value_or("(null)"); }
-
 /// Identifies the device, the application and its key at once.
 std::string fingerprint(const std::optional<std::string>& bundleIdentifier,
                         const std::optional<std::string>& appKey) {
-    return orNull(VLDeviceAppInfo::deviceIdentifier()) + orNull(bundleIdentifier) +
+    return platform::formatted(VLDeviceAppInfo::deviceIdentifier()) + platform::formatted(bundleIdentifier) +
            VLRequestHeaders::randomIntForString(appKey) + "direct";
 }
 

@@ -4,6 +4,7 @@
 #include "model/VLRewardResponseModel.h"
 #include "model/VLSuggestionListDirectResponseModel.h"
 #include "net/VLCachedRequestItem.h"
+#include "platform/Value.h"
 
 #include <cstdlib>
 
@@ -82,7 +83,7 @@ std::string VLWebServices::getTokenUrl() { return siteRootUrl() + "/token/"; }
 std::string VLWebServices::getCachingStrategyUrl() { return siteRootUrl() + "/strategies/caching"; }
 
 std::string VLWebServices::getVastUrlForZone(const std::optional<std::string>& zone) {
-    return siteRootUrl() + "/pre-roll/" + zone.value_or("(null)") + "/vast";
+    return siteRootUrl() + "/pre-roll/" + platform::formatted(zone) + "/vast";
 }
 
 void VLWebServices::getAdSuggestionsWithBody(

@@ -30,17 +30,10 @@ std::optional<std::string> textOfType(int type) {
     }
 }
 
-/// A text of the device's description, which may itself be absent.
-std::optional<std::string> textIn(const std::shared_ptr<VLUserExtraInfoModel>& info,
-                                  Property VLUserExtraInfoModel::*property) {
-    return info ? platform::asString((*info).*property) : std::nullopt;
-}
-
-/// A value of it as a format writes it, which has a text for an absent one too.
-std::string formattedIn(const std::shared_ptr<VLUserExtraInfoModel>& info,
-                        Property VLUserExtraInfoModel::*property) {
-    if (!info || !((*info).*property)) return "(null)";
-    return platform::description(*((*info).*property));
+/// A value of the device's description, which may itself be absent.
+Property valueIn(const std::shared_ptr<VLUserExtraInfoModel>& info,
+                 Property VLUserExtraInfoModel::*property) {
+    return info ? (*info).*property : std::nullopt;
 }
 
 /// What the service is told in the query, without the headers.
@@ -62,12 +55,12 @@ Dictionary parametersFor(const std::string& key, int type, int version) {
     set("osId", VLDeviceAppInfo::deviceIdentifier());
     set("osAdvertisingId", VLDeviceAppInfo::advertisingIdentifier());
     set("vastVersion", textOfVersion(version));
-    set("appVersion", textIn(info, &Info::appVersion));
-    set("deviceBrand", textIn(info, &Info::deviceBrand));
-    set("deviceLanguage", textIn(info, &Info::deviceLanguage));
-    set("deviceManufacturer", textIn(info, &Info::deviceManufacturer));
-    set("mcc", formattedIn(info, &Info::mcc));
-    set("mnc", formattedIn(info, &Info::mnc));
+    set("appVersion", platform::asString(valueIn(info, &Info::appVersion)));
+    set("deviceBrand", platform::asString(valueIn(info, &Info::deviceBrand)));
+    set("deviceLanguage", platform::asString(valueIn(info, &Info::deviceLanguage)));
+    set("deviceManufacturer", platform::asString(valueIn(info, &Info::deviceManufacturer)));
+    set("mcc", platform::formatted(valueIn(info, &Info::mcc)));
+    set("mnc", platform::formatted(valueIn(info, &Info::mnc)));
     // The service takes the model for all four.
     set("screenDensity", model);
     set("screenHeight", model);

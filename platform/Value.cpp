@@ -137,6 +137,10 @@ std::string description(const Value& value) {
     }
 }
 
+std::string formatted(const Property& property) { return property ? description(*property) : "(null)"; }
+
+std::string formatted(const std::optional<std::string>& text) { return text.value_or("(null)"); }
+
 std::int64_t saturated(double number) noexcept {
     // 2^63 is the first double beyond the range; its negative is the last one inside.
     constexpr double limit = 9223372036854775808.0;

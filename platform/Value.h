@@ -56,9 +56,12 @@ using Property = std::optional<Value>;
 [[nodiscard]] bool isOneOf(const Property& property, const std::vector<std::string>& texts) noexcept;
 
 /// The value as a person reads it: a text as it stands, a number in decimal, a flag as 1 or 0, the null
-/// marker as
-/// "<null>", an array or a dictionary as JSON text.
+/// marker as "<null>", an array or a dictionary as JSON text.
 [[nodiscard]] std::string description(const Value& value);
+
+/// What a format writes for it: its description, and "(null)" for what is absent.
+[[nodiscard]] std::string formatted(const Property& property);
+[[nodiscard]] std::string formatted(const std::optional<std::string>& text);
 
 /// A whole number out of a real one: truncated towards 0, saturated, 0 for not-a-number.
 [[nodiscard]] std::int64_t saturated(double number) noexcept;

@@ -1,6 +1,7 @@
 #include "ui/CallToAction.h"
 
 #include "platform/UrlText.h"
+#include "platform/Value.h"
 
 namespace velmora {
 
@@ -19,7 +20,7 @@ std::string textMessage(const std::string& number, const std::optional<std::stri
 std::optional<std::string> callToActionUrl(const std::optional<std::string>& type,
                                            const std::optional<std::string>& target,
                                            const std::optional<std::string>& description) {
-    const auto named = target.value_or("(null)");
+    const auto named = platform::formatted(target);
     if (type == "market") return kMarketPage + named;
     if (type == "sms") return textMessage(named, description);
     if (type == "tel") return "tel://" + named;

@@ -128,9 +128,7 @@ void VLAdShowUIController::sendDueOffsets(VLVastTrackingData& data, float progre
     if (toCome.size() != entries->size()) data.progressTrackingUrls.set(makeList(std::move(toCome)));
 }
 
-void VLAdShowUIController::updatePassedDuration() {
-    setPassedDuration(donePercentage ? platform::description(*donePercentage) : "(null)");
-}
+void VLAdShowUIController::updatePassedDuration() { setPassedDuration(platform::formatted(donePercentage)); }
 
 void VLAdShowUIController::setPassedDuration(const std::string& text) {
     getFinalStates()->updateSuggestionExtraInfo(ad ? ad->getSuggestionId() : std::nullopt, kPassedDuration,
