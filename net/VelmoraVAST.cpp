@@ -72,15 +72,9 @@ Dictionary parametersFor(const std::string& key, int type, int version) {
 }
 
 std::string queryOf(const Dictionary& parameters) {
-    const auto encoded = [](std::string_view text) {
-        return platform::percentEncoded(text, platform::UrlCharacters::queryAllowed);
-    };
-    std::string query;
-    for (const auto& [name, value] : parameters) {
-        if (!query.empty()) query += '&';
-        query += encoded(name) + '=' + encoded(value.as_string());
-    }
-    return query;
+    std::vector<platform::UrlQueryItem> items;
+    for (const auto& [name, value] : parameters) items.push_back({name, std::string(value.as_string())});
+    return platform::encodedQuery(items);
 }
 
 std::optional<std::string> urlFor(const std::optional<std::string>& zone, int type, int version) {

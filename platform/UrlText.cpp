@@ -77,4 +77,14 @@ std::optional<std::vector<UrlQueryItem>> queryItems(std::string_view url) {
     return items;
 }
 
+std::string encodedQuery(const std::vector<UrlQueryItem>& items) {
+    std::string query;
+    for (const auto& item : items) {
+        if (!query.empty()) query += '&';
+        query += percentEncoded(item.name, UrlCharacters::queryAllowed);
+        if (item.value) query.append(1, '=').append(percentEncoded(*item.value, UrlCharacters::queryAllowed));
+    }
+    return query;
+}
+
 }  // namespace velmora::platform

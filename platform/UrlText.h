@@ -37,4 +37,8 @@ struct UrlQueryItem {
 /// when the text is not a URL or has no query.
 [[nodiscard]] std::optional<std::vector<UrlQueryItem>> queryItems(std::string_view url);
 
+/// The query of these pairs, in their order, without the "?". Names and values are encoded with
+/// `UrlCharacters::queryAllowed`: an "&" or "=" in them stays, and splits its pair.
+[[nodiscard]] std::string encodedQuery(const std::vector<UrlQueryItem>& items);
+
 }  // namespace velmora::platform

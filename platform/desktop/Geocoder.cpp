@@ -33,23 +33,16 @@ std::optional<std::string> baseUrl() {
 }
 
 std::string urlFor(const std::string& base, const Location& location) {
-    const auto languages = boost::algorithm::join(preferredLanguages(), ",");
-    const std::pair<const char*, std::string> parameters[]{
+    std::vector<UrlQueryItem> items{
         {"format", "jsonv2"},
         {"lat", description(Value(location.latitude))},
         {"lon", description(Value(location.longitude))},
         {"zoom", kZoom},
         {"addressdetails", "1"},
-        {"accept-language", languages},
     };
-    std::string url = base + "/reverse";
-    char before = '?';
-    for (const auto& [name, value] : parameters) {
-        if (value.empty()) continue;
-        url +=
-            std::exchange(before, '&') + (name + ("=" + percentEncoded(value, UrlCharacters::queryAllowed)));
-    }
-    return url;
+    const auto languages = boost::algorithm::join(preferredLanguages(), ",");
+    if (!languages.empty()) items.push_back({"accept-language", languages});
+    return base + "/reverse?" + encodedQuery(items);
 }
 
 /// The place, or why there is none.
