@@ -1,6 +1,7 @@
 #include "DeviceView.h"
 
 #include "DeviceFacts.h"
+#include "RichLabel.h"
 
 #include <QBoxLayout>
 #include <QLabel>
@@ -24,15 +25,11 @@ QString wordsFor(const DeviceFacts& facts) {
 DeviceView::DeviceView(DeviceFacts& facts, QWidget* parent)
     : QWidget(parent),
       facts_(facts),
-      table_(new QLabel),
+      table_(new RichLabel),
       words_(new QLabel),
       again_(new QPushButton("Look again")) {
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
-    table_->setTextFormat(Qt::RichText);
-    table_->setWordWrap(true);
-    table_->setAlignment(Qt::AlignTop);
-    table_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     words_->setObjectName("soft");
     words_->setWordWrap(true);
     column->addWidget(table_);

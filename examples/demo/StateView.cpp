@@ -64,11 +64,7 @@ QString htmlOf(const StoredState& state) {
 
 }  // namespace
 
-StateView::StateView(QString file, QWidget* parent) : QLabel(parent), file_(std::move(file)) {
-    setTextFormat(Qt::RichText);
-    setWordWrap(true);
-    setAlignment(Qt::AlignTop);
-    setTextInteractionFlags(Qt::TextSelectableByMouse);
+StateView::StateView(QString file, QWidget* parent) : RichLabel(parent), file_(std::move(file)) {
     connect(&often_, &QTimer::timeout, this, &StateView::refresh);
     often_.start(1s);
     refresh();

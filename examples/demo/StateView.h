@@ -1,14 +1,14 @@
 #pragma once
 
+#include "RichLabel.h"
 #include "StoredState.h"
 
-#include <QLabel>
 #include <QTimer>
 
 namespace demo {
 
 /// What the library keeps, as it changes.
-class StateView : public QLabel {
+class StateView : public RichLabel {
 public:
     explicit StateView(QString file, QWidget* parent = nullptr);
 

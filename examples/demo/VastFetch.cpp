@@ -78,16 +78,15 @@ QNetworkRequest requestFor(const QUrl& url) {
 
 }  // namespace
 
-QString VastAnswer::address() const { return QUrl(url).toString(QUrl::RemoveQuery); }
-
 QList<Fact> VastAnswer::pairs() const { return pairsOf(url, false); }
 
 QList<Fact> VastAnswer::headers() const { return pairsOf(url, true); }
 
 QList<Fact> VastAnswer::facts() const {
-    if (!error.isEmpty()) return {{"Came", error}};
+    QList<Fact> facts{{"Asked at", QUrl(url).toString(QUrl::RemoveQuery)}};
+    if (!error.isEmpty()) return facts << Fact{"Came", error};
     const auto count = ads == 0 ? QString("no ad") : ads == 1 ? "one ad" : QString("%1 ads").arg(ads);
-    QList<Fact> facts{{"Came", QString("status %1, VAST %2, %3").arg(status).arg(version, count)}};
+    facts << Fact{"Came", QString("status %1, VAST %2, %3").arg(status).arg(version, count)};
     if (ads == 0) return facts;
     facts << Fact{"Title", title} << Fact{"Duration", duration} << Fact{"May be skipped from", skipOffset}
           << Fact{"Tracking events", QString::number(trackingEvents)};

@@ -31,13 +31,11 @@ struct VastAnswer {
     QStringList mediaFiles = {};
     int trackingEvents = 0;
 
-    /// The URL up to its query.
-    [[nodiscard]] QString address() const;
     /// The pairs of the URL's query that are not headers.
     [[nodiscard]] QList<Fact> pairs() const;
     /// The library's headers among them.
     [[nodiscard]] QList<Fact> headers() const;
-    /// What came.
+    /// Where it was asked for, without the query, and what came.
     [[nodiscard]] QList<Fact> facts() const;
 
     /// What is not as it was asked for, in words. Some zones have no ad.

@@ -1,11 +1,11 @@
 #include "VastView.h"
 
 #include "CardGrid.h"
+#include "RichLabel.h"
 #include "Zones.h"
 
 #include <QBoxLayout>
 #include <QComboBox>
-#include <QLabel>
 #include <QPushButton>
 
 namespace demo {
@@ -16,8 +16,7 @@ constexpr int kNarrowestChoice = 200;
 constexpr int kGap = 8;
 
 QString wordsFor(const VastAnswer& answer) {
-    const QList<Fact> address{{"Asked at", answer.address()}};
-    return htmlOf(address + answer.facts(), "not told") + "<p>The URL ends in a query with these pairs:</p>" +
+    return htmlOf(answer.facts(), "not told") + "<p>The URL ends in a query with these pairs:</p>" +
            htmlOf(answer.pairs(), "empty") + "<p>and with the library's headers:</p>" +
            htmlOf(answer.headers(), "empty");
 }
@@ -30,7 +29,7 @@ VastView::VastView(QWidget* parent)
       type_(new QComboBox),
       version_(new QComboBox),
       make_(new QPushButton("Make and fetch")),
-      words_(new QLabel) {
+      words_(new RichLabel) {
     for (const auto& zone : kZones) zone_->addItem(zone.name, zone.name);
     type_->addItem("Not to be skipped", 1);
     type_->addItem("May be skipped", 2);
@@ -43,10 +42,6 @@ VastView::VastView(QWidget* parent)
     auto* grid = new CardGrid(kNarrowestChoice, kGap);
     for (QWidget* one : std::initializer_list<QWidget*>{zone_, type_, version_, make_}) grid->addWidget(one);
     column->addLayout(grid);
-    words_->setTextFormat(Qt::RichText);
-    words_->setWordWrap(true);
-    words_->setAlignment(Qt::AlignTop);
-    words_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     words_->setText("For applications with a video player of their own: the URL of a pre-roll ad.");
     column->addWidget(words_);
     column->addStretch(1);
