@@ -1,5 +1,6 @@
 #include "sandbox/Sandbox.h"
 #include "support/Exchange.h"
+#include "support/LastEntry.h"
 
 #include <string>
 #include <vector>
@@ -11,7 +12,6 @@ namespace velmora::test {
 
 namespace {
 
-namespace json = boost::json;
 using sandbox::Sandbox;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -24,10 +24,8 @@ protected:
     }
 
     [[nodiscard]] std::vector<std::string> problems() const {
-        const auto ledger = service_.ledger();
-        const auto& last = ledger.at("entries").as_array().back().as_object();
-        EXPECT_EQ(last.at("kind"), "geocoder");
-        return json::value_to<std::vector<std::string>>(last.at("problems"));
+        EXPECT_EQ(lastEntry(service_).at("kind"), "geocoder");
+        return lastProblems(service_);
     }
 
     const Sandbox service_;

@@ -8,6 +8,7 @@
 #include "support/Environment.h"
 #include "support/Exchange.h"
 #include "support/Files.h"
+#include "support/LastEntry.h"
 #include "support/TemporaryDirectory.h"
 
 #include <set>
@@ -65,14 +66,6 @@ json::object offer(const Sandbox& service, const Headers& headers, const std::st
                 .headers = headers,
                 .body = body})
         .json();
-}
-
-std::vector<std::string> texts(const json::value& list) {
-    return json::value_to<std::vector<std::string>>(list);
-}
-
-json::object lastEntry(const Sandbox& service) {
-    return service.ledger().at("entries").as_array().back().as_object();
 }
 
 TEST(Sandbox, WhatItGuardsOpensToATokenOfTheSameKeyUntilItExpires) {
@@ -135,7 +128,7 @@ TEST(Sandbox, WhatIsWrongWithTheHeadersIsSaidInWords) {
     const Sandbox service;
     const auto problemsWith = [&](const Headers& headers) {
         ask({.url = service.plainUrl("/v2/token/"), .headers = headers});
-        return texts(lastEntry(service).at("problems"));
+        return lastProblems(service);
     };
     EXPECT_THAT(problemsWith(goodHeaders()), IsEmpty());
     const std::vector<std::array<std::string, 3>> cases{

@@ -6,6 +6,7 @@
 #include "support/Environment.h"
 #include "support/Exchange.h"
 #include "support/Files.h"
+#include "support/LastEntry.h"
 #include "support/TemporaryDirectory.h"
 
 #include <cstdlib>
@@ -20,7 +21,6 @@ namespace velmora::test {
 
 namespace {
 
-namespace json = boost::json;
 using sandbox::Sandbox;
 using testing::Contains;
 using testing::ElementsAre;
@@ -55,11 +55,7 @@ protected:
     }
 
     /// Of the last request.
-    [[nodiscard]] std::vector<std::string> problems() const {
-        const auto ledger = service_.ledger();
-        const auto& last = ledger.at("entries").as_array().back().as_object();
-        return json::value_to<std::vector<std::string>>(last.at("problems"));
-    }
+    [[nodiscard]] std::vector<std::string> problems() const { return lastProblems(service_); }
 
     const Sandbox service_;
     const Environment base_{"VELMORA_API_BASE_URL", service_.plainApiUrl().c_str()};
