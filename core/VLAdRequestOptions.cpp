@@ -17,7 +17,8 @@ std::optional<std::int64_t> VLAdRequestOptions::getCacheTypeNumber() const {
 }
 
 std::int64_t VLAdRequestOptions::getCacheType() const {
-    return platform::equals(state_->mCacheType.get(), 1) ? 1 : 2;
+    const bool isCached = platform::equals(state_->mCacheType.get(), VLCacheType::cached);
+    return static_cast<std::int64_t>(isCached ? VLCacheType::cached : VLCacheType::streamed);
 }
 
 VLAdRequestOptionsState& VLAdRequestOptions::state() const noexcept { return *state_; }

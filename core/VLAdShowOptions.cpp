@@ -11,9 +11,11 @@ VLAdShowOptions::~VLAdShowOptions() = default;
 void VLAdShowOptions::setOrientation(std::int64_t orientation) { state_->mOrientation.set(orientation); }
 
 std::int64_t VLAdShowOptions::getOrientation() const {
-    constexpr std::int64_t any = 3;
+    constexpr auto first = static_cast<std::int64_t>(VLOrientation::portrait);
+    constexpr auto last = static_cast<std::int64_t>(VLOrientation::portraitUpsideDown);
+    constexpr auto any = static_cast<std::int64_t>(VLOrientation::any);
     const auto orientation = state_->mOrientation.get().value_or(any);
-    return orientation >= 1 && orientation <= 5 ? orientation : any;
+    return orientation >= first && orientation <= last ? orientation : any;
 }
 
 void VLAdShowOptions::setBackDisabled(bool backDisabled) { state_->mBackDisabled.set(backDisabled); }

@@ -28,7 +28,7 @@ std::shared_ptr<VLConfiguration> defaultConfiguration() {
 
 std::shared_ptr<VLAdRequestOptions> defaultOptions() {
     auto options = std::make_shared<VLAdRequestOptions>();
-    options->setCacheType(2);
+    options->setCacheType(VLCacheType::streamed);
     return options;
 }
 

@@ -85,7 +85,8 @@ bool VelmoraAd::isValid() const {
     if (isVideoAd()) {
         const auto options = getRequestOptions();
         if (!options) return false;
-        return options->getCacheType() == 1 ? !isExpired() && !isFileRemoved() : !isExpired();
+        if (isExpired()) return false;
+        return options->getCacheType() == VLCacheType::streamed || !isFileRemoved();
     }
     if (isBannerAd()) return !isExpired();
     return state_->mAd.get() == nullptr;

@@ -6,20 +6,14 @@
 #include <optional>
 #include <string>
 
+#include <velmora/enumerations.h>
+
 namespace velmora {
 
 class VLActionModel;
 class VLSkipStarPercentageModel;
 class VLVastTrackingData;
 class VLVibrationPattern;
-
-/// The kind of a creative, "ctaType" in JSON.
-enum class VLCreativeType : std::int64_t {
-    rewardedVideo = 1,
-    banner = 2,
-    video = 3,
-    unknown = 800,
-};
 
 /// What a suggestion shows, and how its call to action works.
 class VLDirectCreativeModel final : public VLSerializedModel {
@@ -39,7 +33,7 @@ public:
     /// Whether this version can show it: a video needs a URL and an action of type 1, a banner a URL.
     [[nodiscard]] bool isSupported() const;
 
-    Property ctaType;
+    Property ctaType;  ///< a `VLCreativeType`
     Property ctaUrl;
     std::shared_ptr<VLActionModel> action;
     std::shared_ptr<VLSkipStarPercentageModel> skipStartPercentage;

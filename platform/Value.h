@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include <boost/json.hpp>
@@ -48,6 +49,13 @@ using Property = std::optional<Value>;
 
 /// Whether the property is a number and equals `number`; a text never equals a number.
 [[nodiscard]] bool equals(const Property& property, std::int64_t number) noexcept;
+
+/// Whether the property is the number of `name`.
+template <class Enumeration>
+requires std::is_enum_v<Enumeration>
+[[nodiscard]] bool equals(const Property& property, Enumeration name) noexcept {
+    return equals(property, static_cast<std::int64_t>(name));
+}
 
 /// Whether the property is a text and equals `text`.
 [[nodiscard]] bool equals(const Property& property, std::string_view text) noexcept;

@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 
+#include <velmora/enumerations.h>
 #include <velmora/export.h>
 
 namespace velmora {
@@ -19,14 +20,19 @@ public:
     VLAdRequestOptions(const VLAdRequestOptions&) = delete;
     VLAdRequestOptions& operator=(const VLAdRequestOptions&) = delete;
 
-    /// 1 downloads the video before the ad is offered, 2 plays it from its URL. Any other value is kept, and
-    /// ends the request in an error.
+    /// Whether the video is downloaded before the ad is offered, or played from its URL.
+    void setCacheType(VLCacheType cacheType) { setCacheType(static_cast<std::int64_t>(cacheType)); }
+
+    /// By its number. One that is not a `VLCacheType` is kept, and ends the request in an error.
     void setCacheType(std::int64_t cacheType);
 
-    /// What was set; absent when nothing was.
+    /// What was set; absent when nothing was, which ends a request with these options in the error
+    /// "Unsupported cache type.".
     [[nodiscard]] std::optional<std::int64_t> getCacheTypeNumber() const;
 
-    /// 1 when 1 was set, 2 in every other case.
+    /// The number of `VLCacheType::cached` when that was set, of `streamed` in every other case: also of
+    /// options to which nothing was set, although a request with them ends in an error, and of those with a
+    /// number that is no cache type. See `getCacheTypeNumber`.
     [[nodiscard]] std::int64_t getCacheType() const;
 
     /// For the library's own use: the stored form of this object.

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 
+#include <velmora/enumerations.h>
 #include <velmora/export.h>
 
 namespace velmora {
@@ -17,10 +18,13 @@ public:
     VLAdShowOptions(const VLAdShowOptions&) = delete;
     VLAdShowOptions& operator=(const VLAdShowOptions&) = delete;
 
-    /// 1 portrait, 2 landscape left, 3 any, 4 landscape right, 5 portrait upside down.
+    /// Which orientations the ad allows. On a desktop nothing is turned.
+    void setOrientation(VLOrientation orientation) { setOrientation(static_cast<std::int64_t>(orientation)); }
+
+    /// By its number.
     void setOrientation(std::int64_t orientation);
 
-    /// What was set when it is one of the five values above, otherwise 3.
+    /// The number that was set when it is that of a `VLOrientation`, otherwise that of `any`.
     [[nodiscard]] std::int64_t getOrientation() const;
 
     /// Takes `TYPE_DISABLE_BACK` as well as true: the video then has no exit button.

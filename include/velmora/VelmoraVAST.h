@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include <velmora/enumerations.h>
 #include <velmora/export.h>
 
 namespace velmora {
@@ -18,7 +19,7 @@ public:
     /// is not to be published. Sends nothing and never throws; reads the application's store, as all of the
     /// library does. Any thread.
     ///
-    /// `withType` is the kind of pre-roll, 1 or 2; `ofVastVersion` the version of VAST, 2 or 3. Another
+    /// `withType` is the number of a `VLPrerollType`, `ofVastVersion` that of a `VLVastVersion`. Another
     /// number leaves the choice to the service. What the library does not know of the device or the user is
     /// missing in the query. Names and values are percent-encoded (RFC 3986), except for what a query may
     /// hold, "&" and "=" among it; the zone is put in as it stands, and an absent one as "(null)".
@@ -33,6 +34,18 @@ public:
                                                                       int ofVastVersion) {
         return getVastUrlForZone(zone != nullptr ? std::optional<std::string>(zone) : std::nullopt, withType,
                                  ofVastVersion);
+    }
+
+    /// By the names of the numbers.
+    [[nodiscard]] static std::optional<std::string> getVastUrlForZone(const std::optional<std::string>& zone,
+                                                                      VLPrerollType withType,
+                                                                      VLVastVersion ofVastVersion) {
+        return getVastUrlForZone(zone, static_cast<int>(withType), static_cast<int>(ofVastVersion));
+    }
+
+    [[nodiscard]] static std::optional<std::string>
+    getVastUrlForZone(const char* zone, VLPrerollType withType, VLVastVersion ofVastVersion) {
+        return getVastUrlForZone(zone, static_cast<int>(withType), static_cast<int>(ofVastVersion));
     }
 };
 

@@ -14,6 +14,7 @@
 #include <velmora/VelmoraAd.h>
 #include <velmora/VelmoraVAST.h>
 #include <velmora/constants.h>
+#include <velmora/enumerations.h>
 #include <velmora/export.h>
 
 namespace velmora {
