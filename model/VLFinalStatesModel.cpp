@@ -11,9 +11,12 @@ platform::Mutex VLFinalStatesModelLock;
 
 /// Calls `visit` with each state, in order, while the lock is held. The list may grow or shrink on the way.
 template <class Visit>
-void walk(const ModelList<VLAdSuggestionFinalState>& states, const Visit& visit) {
-    if (!states) return;
+void walk(const VLFinalStatesModel& model, const Visit& visit) {
+    if (!model.getStates()) return;
     const platform::MutexLock lock(VLFinalStatesModelLock);
+    // It may have been replaced while this one waited, and then the new one is meant.
+    const auto states = model.getStates();
+    if (!states) return;
     for (std::size_t i = 0; i < states->size(); ++i) {
         if (const auto state = (*states)[i]) visit(*state);
     }
@@ -24,7 +27,7 @@ void walk(const ModelList<VLAdSuggestionFinalState>& states, const Visit& visit)
 void VLFinalStatesModel::updateFilteredSuggestionIds(
     const std::optional<std::vector<std::string>>& suggestionIds) {
     if (!suggestionIds) return;
-    walk(getStates(), [&](VLAdSuggestionFinalState& state) {
+    walk(*this, [&](VLAdSuggestionFinalState& state) {
         if (platform::isOneOf(state.getSuggestionId(), *suggestionIds)) {
             state.changeStateTo(VLAdSuggestionFinalState::kFiltered);
         }
@@ -33,7 +36,7 @@ void VLFinalStatesModel::updateFilteredSuggestionIds(
 
 void VLFinalStatesModel::updateDoingSuggestion(const std::optional<std::string>& suggestionId) {
     if (!suggestionId) return;
-    walk(getStates(), [&](VLAdSuggestionFinalState& state) {
+    walk(*this, [&](VLAdSuggestionFinalState& state) {
         if (platform::equals(state.getSuggestionId(), *suggestionId)) {
             state.changeStateTo(VLAdSuggestionFinalState::kDoing);
         }
@@ -43,7 +46,7 @@ void VLFinalStatesModel::updateDoingSuggestion(const std::optional<std::string>&
 void VLFinalStatesModel::updateSuggestionExtraInfo(const std::optional<std::string>& suggestionId,
                                                    std::string_view key, const Property& value) {
     if (!suggestionId) return;
-    walk(getStates(), [&](VLAdSuggestionFinalState& state) {
+    walk(*this, [&](VLAdSuggestionFinalState& state) {
         if (!platform::equals(state.getSuggestionId(), *suggestionId)) return;
         const auto* present = state.getExtraInfo() ? state.getExtraInfo()->if_object() : nullptr;
         Dictionary extraInfo = present != nullptr ? *present : Dictionary();
@@ -58,7 +61,7 @@ void VLFinalStatesModel::updateSuggestionExtraInfo(const std::optional<std::stri
 
 std::vector<std::string> VLFinalStatesModel::getSuggestionIds() const {
     std::vector<std::string> ids;
-    walk(getStates(), [&](const VLAdSuggestionFinalState& state) {
+    walk(*this, [&](const VLAdSuggestionFinalState& state) {
         if (auto id = platform::asString(state.getSuggestionId())) ids.push_back(std::move(*id));
     });
     return ids;

@@ -4,11 +4,18 @@
 #include "support/Records.h"
 #include "support/Threads.h"
 
+#include <atomic>
+#include <chrono>
+#include <fstream>
 #include <functional>
+#include <iterator>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace velmora::test {
 
@@ -101,6 +108,67 @@ TEST(FinalStates, NothingHappensToAnAbsentListAndToAbsentStates) {
         EXPECT_EQ(model.getStates(), list);
         EXPECT_EQ(model.getSuggestionIds(), Ids{});
     }
+}
+
+/// Room for values that calls a function once, before it gives any.
+class WatchedStorage final : public boost::json::memory_resource {
+public:
+    std::function<void()> onAllocation;
+
+private:
+    void* do_allocate(std::size_t size, std::size_t) override {
+        if (auto call = std::exchange(onAllocation, nullptr)) call();
+        return ::operator new(size);
+    }
+
+    void do_deallocate(void* place, std::size_t, std::size_t) override { ::operator delete(place); }
+
+    [[nodiscard]] bool do_is_equal(const memory_resource& other) const noexcept override {
+        return this == &other;
+    }
+};
+
+/// Until the thread waits for something.
+void awaitSleepOf(pid_t thread) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    while (std::chrono::steady_clock::now() < end) {
+        std::ifstream status("/proc/self/task/" + std::to_string(thread) + "/stat");
+        const std::string line(std::istreambuf_iterator<char>(status), {});
+        if (line.find(") S ") != std::string::npos) return;
+        std::this_thread::yield();
+    }
+    ADD_FAILURE() << "it never waited";
+}
+
+TEST(FinalStates, AnUpdateThatWaitedChangesTheListThatIsThereThen) {
+    const auto listOf = [](Property extraInfo) {
+        return makeList<VLAdSuggestionFinalState>(
+            {std::make_shared<VLAdSuggestionFinalState>(Value("a"), 2, std::move(extraInfo))});
+    };
+    VLFinalStatesModel model;
+    model.setStates(listOf(std::nullopt));
+    const auto replacement = listOf(std::nullopt);
+    WatchedStorage storage;
+    VLFinalStatesModel other;
+    other.setStates(listOf(Property(std::in_place, Dictionary{{"k", 1}}, &storage)));
+
+    std::thread update;
+    // Called in the middle of a walk, while all others wait.
+    storage.onAllocation = [&] {
+        std::atomic<pid_t> id = 0;
+        update = std::thread([&] {
+            id = ::gettid();
+            model.updateDoingSuggestion("a");
+        });
+        while (id == 0) std::this_thread::yield();
+        awaitSleepOf(id);
+        model.setStates(replacement);
+    };
+    other.updateSuggestionExtraInfo("a", "k", Value(2));
+    ASSERT_TRUE(update.joinable());
+    update.join();
+
+    EXPECT_EQ(replacement->front()->getState(), Value(3));
 }
 
 TEST(FinalStates, WalksOverListsExcludeEachOther) {
