@@ -153,6 +153,11 @@ void VLDefaults::setFinalStates(const std::shared_ptr<VLFinalStatesModel>& final
 
 void VLDefaults::removeAllFinalStates() { defaults().removeObjectForKey(kFinalStates); }
 
+void VLDefaults::changeFinalStates(const std::function<void(VLFinalStatesModel& states)>& change) {
+    const platform::UserDefaults::Batch batch(defaults());
+    changeRecord<VLFinalStatesModel>(kFinalStates, change);
+}
+
 std::shared_ptr<VLCachedDoneAdSuggestions> VLDefaults::getCachedDoneAdSuggestions() {
     return getRecord<VLCachedDoneAdSuggestions>(kCachedDoneAdSuggestions);
 }

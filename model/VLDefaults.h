@@ -2,6 +2,7 @@
 
 #include "model/VLSerializedModel.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -21,9 +22,9 @@ class VelmoraAd;
 /// it does not keep.
 ///
 /// Every getter reads the store and builds a fresh record; every setter writes the whole value. Nothing is
-/// kept in memory between two calls, the token excepted. Safe to use from any thread; but an operation that
-/// reads, changes and writes holds no lock over the three steps, so two of them on one key at one moment can
-/// lose a change.
+/// kept in memory between two calls, the token excepted. Safe to use from any thread and from several
+/// processes: an operation that reads, changes and writes does it in one transaction, so that no change is
+/// lost. When the store cannot be had in time, or does not hold what is expected there, it changes nothing.
 class VLDefaults {
 public:
     VLDefaults() = delete;
@@ -51,6 +52,10 @@ public:
     [[nodiscard]] static std::shared_ptr<VLFinalStatesModel> getFinalStates();
     static void setFinalStates(const std::shared_ptr<VLFinalStatesModel>& finalStates);
     static void removeAllFinalStates();
+    /// Hands the stored states to `change` and stores what it makes of them, in one transaction: whatever was
+    /// stored meanwhile by others is what it gets. Other writers wait for it, so that nothing slow belongs in
+    /// there.
+    static void changeFinalStates(const std::function<void(VLFinalStatesModel& states)>& change);
     [[nodiscard]] static std::shared_ptr<VLCachedDoneAdSuggestions> getCachedDoneAdSuggestions();
     static void setCachedDoneAdSuggestions(const std::shared_ptr<VLCachedDoneAdSuggestions>& suggestions);
     [[nodiscard]] static std::shared_ptr<VLCachedVelmoraAds> getCachedAds();

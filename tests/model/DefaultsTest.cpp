@@ -189,6 +189,21 @@ TEST_F(Defaults, EveryFinalStateOfTheGivenIdsIsRemoved) {
     EXPECT_EQ(stored("finalstates"), left);
 }
 
+TEST_F(Defaults, AChangeOfTheFinalStatesKeepsWhatOthersHaveStoredMeanwhile) {
+    constexpr int kThreads = 4;
+    constexpr int kRounds = 25;
+    const auto append = [](int thread) {
+        for (int round = 0; round < kRounds; ++round) {
+            VLDefaults::changeFinalStates([&](VLFinalStatesModel& states) {
+                states.getStates()->push_back(std::make_shared<VLAdSuggestionFinalState>(
+                    Value(thread * kRounds + round), 2, Property()));
+            });
+        }
+    };
+    { const Threads threads(kThreads, append); }
+    EXPECT_EQ(VLDefaults::getFinalStates()->getStates()->size(), std::size_t{kThreads * kRounds});
+}
+
 TEST_F(Defaults, TheOldestValidAdThatMatchesIsReturnedAndInvalidOnesGo) {
     const UseManualClock clock;
 
