@@ -1,5 +1,6 @@
 #include "core/LogFormat.h"
 
+#include "platform/Utf8.h"
 #include "platform/Value.h"
 
 #include <algorithm>
@@ -7,6 +8,7 @@
 #include <charconv>
 #include <cstdio>
 #include <type_traits>
+#include <utility>
 
 namespace velmora {
 
@@ -35,14 +37,15 @@ struct Conversion {
     static std::optional<Conversion> at(std::string_view format);
 };
 
+/// Passes the digits at `at`, of which there may be none.
 int takeNumber(std::string_view format, std::size_t& at) {
     // Wide enough for any log line, and no more than a line should be padded by.
-    constexpr int most = 1000;
-    int number = 0;
-    const auto* end = format.data() + format.size();
-    const auto result = std::from_chars(format.data() + at, end, number);
-    at = static_cast<std::size_t>(result.ptr - format.data());
-    return result.ec == std::errc::result_out_of_range ? most : std::min(number, most);
+    constexpr unsigned most = 1000;
+    unsigned number = 0;
+    const auto [end, error] = std::from_chars(format.data() + at, format.data() + format.size(), number);
+    at = static_cast<std::size_t>(end - format.data());
+    if (error == std::errc::result_out_of_range) number = most;
+    return static_cast<int>(std::min(number, most));
 }
 
 std::optional<Conversion> Conversion::at(std::string_view format) {
@@ -50,13 +53,8 @@ std::optional<Conversion> Conversion::at(std::string_view format) {
     std::size_t at = 1;
     while (at < format.size() && isOneOf(format[at], kFlags)) ++at;
     conversion.flags = format.substr(1, at - 1);
-    if (at < format.size() && format[at] >= '0' && format[at] <= '9')
-        conversion.width = takeNumber(format, at);
-    if (at < format.size() && format[at] == '.') {
-        ++at;
-        conversion.precision =
-            at < format.size() && format[at] >= '0' && format[at] <= '9' ? takeNumber(format, at) : 0;
-    }
+    conversion.width = takeNumber(format, at);
+    if (at < format.size() && format[at] == '.') conversion.precision = takeNumber(format, ++at);
     while (at < format.size() && isOneOf(format[at], kLengths)) ++at;
     if (at >= format.size()) return std::nullopt;
     conversion.letter = format[at];
@@ -71,8 +69,8 @@ std::optional<Conversion> Conversion::at(std::string_view format) {
 template <class Number>
 std::string printed(const Conversion& conversion, std::string_view length, char letter, Number number) {
     std::string format = "%";
-    format.append(conversion.flags).append(std::to_string(conversion.width));
-    if (conversion.width == 0) format.pop_back();
+    format += conversion.flags;
+    if (conversion.width > 0) format += std::to_string(conversion.width);
     if (conversion.precision >= 0) format.append(1, '.').append(std::to_string(conversion.precision));
     format.append(length).append(1, letter);
 
@@ -81,11 +79,26 @@ std::string printed(const Conversion& conversion, std::string_view length, char 
     return {text.data(), std::min(static_cast<std::size_t>(std::max(size, 0)), text.size() - 1)};
 }
 
+/// Where the first `count` characters of a text end; bytes that are not UTF-8 count as characters too.
+std::size_t endOfCharacters(std::string_view text, std::size_t count) {
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    for (; count > 0 && at != end; --count) platform::passUtf8Character(at, end);
+    return static_cast<std::size_t>(at - text.data());
+}
+
+std::size_t charactersOf(std::string_view text) {
+    std::size_t count = 0;
+    for (; !text.empty(); ++count) text.remove_prefix(endOfCharacters(text, 1));
+    return count;
+}
+
 std::string padded(const Conversion& conversion, std::string text) {
     const auto width = static_cast<std::size_t>(conversion.width);
-    if (text.size() >= width) return text;
-    const auto missing = width - text.size();
-    return isOneOf('-', conversion.flags) ? text.append(missing, ' ') : text.insert(0, missing, ' ');
+    const auto count = charactersOf(text);
+    if (count >= width) return text;
+    const bool isLeft = isOneOf('-', conversion.flags);
+    return text.insert(isLeft ? text.size() : 0, width - count, ' ');
 }
 
 /// The argument as `%@` shows it.
@@ -105,36 +118,36 @@ std::string readable(const LogArgument& argument) {
         argument.held());
 }
 
+/// A number by a conversion that is made for it; absent for every other pair.
+std::optional<std::string> convertedNumber(const Conversion& conversion, const LogArgument& argument) {
+    const char letter = conversion.letter;
+    return std::visit(
+        [&]<class T>(const T& held) -> std::optional<std::string> {
+            if constexpr (std::is_arithmetic_v<T>) {
+                if (isOneOf(letter, kReal)) return printed(conversion, "", letter, static_cast<double>(held));
+            }
+            if constexpr (std::is_integral_v<T>) {
+                const auto positive = static_cast<unsigned long long>(held);
+                if (isOneOf(letter, kUnsigned)) return printed(conversion, "ll", letter, positive);
+                if (letter == 'c') return padded(conversion, std::string(1, static_cast<char>(held)));
+                if (!isOneOf(letter, kSigned)) return std::nullopt;
+                // It may be more than a signed conversion holds.
+                if constexpr (std::is_unsigned_v<T>) return printed(conversion, "ll", 'u', positive);
+                return printed(conversion, "ll", letter, static_cast<long long>(held));
+            }
+            return std::nullopt;
+        },
+        argument.held());
+}
+
 std::string converted(const Conversion& conversion, const LogArgument& argument) {
-    const bool wantsSigned = isOneOf(conversion.letter, kSigned);
-    const bool wantsUnsigned = isOneOf(conversion.letter, kUnsigned);
-    if (const auto* number = std::get_if<std::int64_t>(&argument.held())) {
-        if (wantsSigned) return printed(conversion, "ll", conversion.letter, static_cast<long long>(*number));
-        if (wantsUnsigned)
-            return printed(conversion, "ll", conversion.letter, static_cast<unsigned long long>(*number));
-        if (isOneOf(conversion.letter, kReal))
-            return printed(conversion, "", conversion.letter, static_cast<double>(*number));
-        if (conversion.letter == 'c') return padded(conversion, std::string(1, static_cast<char>(*number)));
-    }
-    if (const auto* number = std::get_if<std::uint64_t>(&argument.held())) {
-        if (wantsSigned || wantsUnsigned) {
-            const char letter = wantsSigned ? 'u' : conversion.letter;
-            return printed(conversion, "ll", letter, static_cast<unsigned long long>(*number));
-        }
-        if (isOneOf(conversion.letter, kReal))
-            return printed(conversion, "", conversion.letter, static_cast<double>(*number));
-        if (conversion.letter == 'c') return padded(conversion, std::string(1, static_cast<char>(*number)));
-    }
-    if (const auto* number = std::get_if<double>(&argument.held());
-        number != nullptr && isOneOf(conversion.letter, kReal)) {
-        return printed(conversion, "", conversion.letter, *number);
-    }
+    if (auto number = convertedNumber(conversion, argument)) return std::move(*number);
     auto text = readable(argument);
     // A precision is a length for a text alone: anything else would lose what it says.
     const bool isText =
         isOneOf(conversion.letter, kText) && std::holds_alternative<std::string_view>(argument.held());
     if (isText && conversion.precision >= 0)
-        text.resize(std::min(text.size(), static_cast<std::size_t>(conversion.precision)));
+        text.resize(endOfCharacters(text, static_cast<std::size_t>(conversion.precision)));
     return padded(conversion, std::move(text));
 }
 
@@ -154,12 +167,13 @@ std::string formatLogLine(std::string_view format, std::initializer_list<LogArgu
             continue;
         }
         const auto conversion = Conversion::at(format);
+        const auto text = conversion ? conversion->text : format.substr(0, 1);
         if (conversion && next != arguments.end()) {
             line += converted(*conversion, *next++);
         } else {
-            line.append(conversion ? conversion->text : format.substr(0, 1));
+            line += text;
         }
-        format.remove_prefix(conversion ? conversion->text.size() : 1);
+        format.remove_prefix(text.size());
     }
     while (next != arguments.end()) line.append(" [").append(readable(*next++)).append("]");
     return line;

@@ -56,6 +56,10 @@ TEST(LogFormat, CConversionsTakeTheArgumentsThatTheyAreMadeFor) {
         {formatLogLine("[%5d|%-5d|%05d|%+d|% d|%.3d]", {42, 42, 42, 42, 42, 42}),
          "[   42|42   |00042|+42| 42|042]"},
         {formatLogLine("[%5s|%-5s|%.2s|%4.1s]", {"abc", "abc", "abc", "abc"}), "[  abc|abc  |ab|   a]"},
+        {formatLogLine("[%.s|%.0@|%.9s]", {"abc", "abc", "abc"}), "[||abc]"},
+        // Characters of two, three and four bytes, and bytes that are none.
+        {formatLogLine("[%.3s|%5.2@|%-4s|%.2s]", {"سلام", "€𝄞a", "é", "€"}), "[سلا|   €𝄞|é   |€]"},
+        {formatLogLine("[%.1s|%.2s|%3s]", {"\xff\xff", "\xe2\x82", "\xff"}), "[\xff|\xe2\x82|  \xff]"},
         {formatLogLine("[%#x|%8.3f]", {255, 3.14159}), "[0xff|   3.142]"},
     });
 }
