@@ -26,8 +26,6 @@ namespace velmora {
 namespace {
 
 constexpr std::int64_t kInitialState = 2;
-constexpr std::int64_t kCached = 1;
-constexpr std::int64_t kStreamed = 2;
 
 /// What follows the last slash; the whole of a URL without one.
 std::optional<std::string> lastPieceOf(const std::optional<std::string>& url) {
@@ -58,50 +56,45 @@ void AdRequest::send() {
 }
 
 void AdRequest::onAnswer(const std::shared_ptr<VLSuggestionListDirectResponseModel>& answer) {
-    const auto cacheType = options_->getCacheTypeNumber();
-    // What the store gets is put together before it is asked to hold still.
-    const auto states = finalStatesOf(*answer);
-    const auto user = platform::asString(answer->velmoraUserId);
-    const auto suggestion = choose(answer);
-    const auto streamed =
-        suggestion && cacheType == kStreamed ? makeStreamedAd(suggestion) : std::shared_ptr<VelmoraAd>();
-    {
-        const platform::UserDefaults::Batch batch(platform::UserDefaults::standard());
-        VLDefaults::removeAllFinalStates();
-        VLDefaults::setFinalStates(states);
-        if (user) VLDefaults::setVelmoraUserId(user);
-        if (streamed) VLDefaults::cacheNewAd(streamed);
-    }
-    if (!suggestion) return callOnNoAdAvailable();
-    if (streamed) {
-        callOnAdAvailable(streamed);
-        return armExpiry(streamed, suggestion);
-    }
-    if (cacheType == kCached) return offerDownloaded(suggestion);
-    callOnError("Unsupported cache type.");
-}
-
-AdRequest::Suggestion AdRequest::choose(const std::shared_ptr<VLSuggestionListDirectResponseModel>& answer) {
+    remember(*answer);
     if (platform::asBool(answer->selectDirectAdRandomly)) answer->shuffleSuggestions();
     const auto suggestion = VelmoraManager::getMostSuitableAdInSuggestionList(answer);
     if (!suggestion) {
         VLLog("Suitable ad not found :(");
-        return nullptr;
+        return callOnNoAdAvailable();
     }
     VLLog("Suitable ad found");
     suggestion->reportAdIsFilled();
-    return suggestion->creative && suggestion->creative->ctaType ? suggestion : nullptr;
+    if (!suggestion->creative || !suggestion->creative->ctaType) return callOnNoAdAvailable();
+
+    const auto cacheType = options_->getCacheTypeNumber();
+    if (cacheType == VLCacheType::cached) return offerDownloaded(suggestion);
+    if (cacheType == VLCacheType::streamed) return offerStreamed(suggestion);
+    callOnError("Unsupported cache type.");
 }
 
-std::shared_ptr<VelmoraAd> AdRequest::makeStreamedAd(const Suggestion& suggestion) const {
-    VLLog("Streamed no need to download");
-    return makeAd(suggestion, std::nullopt);
+void AdRequest::remember(const VLSuggestionListDirectResponseModel& answer) {
+    // What the store gets is put together before it is asked to hold still.
+    const auto states = finalStatesOf(answer);
+    const auto user = platform::asString(answer.velmoraUserId);
+    const platform::UserDefaults::Batch batch(platform::UserDefaults::standard());
+    VLDefaults::removeAllFinalStates();
+    VLDefaults::setFinalStates(states);
+    if (user) VLDefaults::setVelmoraUserId(user);
 }
 
 void AdRequest::onFailure(const VLClientError& error) const {
     const auto domain = error.error ? std::optional(error.error->domain) : std::nullopt;
     callOnError(
         formatLogLine("Error fetching data from server, code:%li ,error:%@", {error.responseCode(), domain}));
+}
+
+void AdRequest::offerStreamed(const Suggestion& suggestion) const {
+    VLLog("Streamed no need to download");
+    const auto ad = makeAd(suggestion, std::nullopt);
+    VLDefaults::cacheNewAd(ad);
+    callOnAdAvailable(ad);
+    armExpiry(ad, suggestion);
 }
 
 void AdRequest::offerDownloaded(const Suggestion& suggestion) {
@@ -111,18 +104,19 @@ void AdRequest::offerDownloaded(const Suggestion& suggestion) {
     VLInternetCacher::sharedCacher().getFileAsyncFromUrl(
         url, lastPieceOf(url),
         [self, suggestion](const std::string&, const std::string& localPath) {
-            self->offerThenStore(suggestion, localPath);
+            self->offerAfterDownload(suggestion, localPath);
         },
         [self, suggestion](const std::optional<std::string>&, const std::string&) {
             VLLog("Download Failed");
-            self->options_->setCacheType(kStreamed);
-            self->offerThenStore(suggestion, std::nullopt);
+            self->options_->setCacheType(VLCacheType::streamed);
+            self->offerAfterDownload(suggestion, std::nullopt);
         });
 }
 
-void AdRequest::offerThenStore(const Suggestion& suggestion,
-                               const std::optional<std::string>& videoFilePath) {
+void AdRequest::offerAfterDownload(const Suggestion& suggestion,
+                                   const std::optional<std::string>& videoFilePath) const {
     const auto ad = makeAd(suggestion, videoFilePath);
+    // The other order than that of a streamed ad: applications rely on both.
     callOnAdAvailable(ad);
     VLDefaults::cacheNewAd(ad);
     armExpiry(ad, suggestion);
@@ -140,12 +134,13 @@ std::shared_ptr<VelmoraAd> AdRequest::makeAd(const Suggestion& suggestion,
     return ad;
 }
 
-void AdRequest::armExpiry(const std::shared_ptr<VelmoraAd>& ad, const Suggestion& suggestion) {
+void AdRequest::armExpiry(const std::shared_ptr<VelmoraAd>& ad, const Suggestion& suggestion) const {
     const auto& time = suggestion->expirationTimeInMillis;
     if (!platform::isValid(time ? &*time : nullptr)) return;
     const auto delay = std::chrono::milliseconds(platform::asInteger(time));
-    platform::MainQueue::after(delay, [self = shared_from_this(), ad] {
-        platform::callOut("onExpiring", [&] { self->callbacks_.onExpiring(ad); });
+    // Hours may pass: of the request no more is kept than this one callback.
+    platform::MainQueue::after(delay, [onExpiring = callbacks_.onExpiring, ad] {
+        platform::callOut("onExpiring", [&] { onExpiring(ad); });
     });
 }
 

@@ -13,7 +13,7 @@ class VLClientError;
 class VLSuggestionListDirectResponseModel;
 
 /// One request of the application, from the question to its one answer. It lives as long as the call of the
-/// service, the download or the expiry notice that holds it.
+/// service or the download that holds it.
 class AdRequest : public std::enable_shared_from_this<AdRequest> {
 public:
     /// All four, each non-empty.
@@ -37,16 +37,17 @@ private:
     void onAnswer(const std::shared_ptr<VLSuggestionListDirectResponseModel>& answer);
     void onFailure(const VLClientError& error) const;
 
-    /// Null when there is none to offer.
-    [[nodiscard]] static Suggestion
-    choose(const std::shared_ptr<VLSuggestionListDirectResponseModel>& answer);
-    /// A streamed ad is stored before it is offered, a cached one after.
-    [[nodiscard]] std::shared_ptr<VelmoraAd> makeStreamedAd(const Suggestion& suggestion) const;
+    /// What the store is to hold of the answer, whatever becomes of its suggestions.
+    static void remember(const VLSuggestionListDirectResponseModel& answer);
+    /// Stored and then offered.
+    void offerStreamed(const Suggestion& suggestion) const;
+    /// Offered and then stored, once its video is there or cannot be had.
     void offerDownloaded(const Suggestion& suggestion);
+    void offerAfterDownload(const Suggestion& suggestion,
+                            const std::optional<std::string>& videoFilePath) const;
     [[nodiscard]] std::shared_ptr<VelmoraAd> makeAd(const Suggestion& suggestion,
                                                     const std::optional<std::string>& videoFilePath) const;
-    void offerThenStore(const Suggestion& suggestion, const std::optional<std::string>& videoFilePath);
-    void armExpiry(const std::shared_ptr<VelmoraAd>& ad, const Suggestion& suggestion);
+    void armExpiry(const std::shared_ptr<VelmoraAd>& ad, const Suggestion& suggestion) const;
 
     void callOnAdAvailable(const std::shared_ptr<VelmoraAd>& ad) const;
     void callOnNoAdAvailable() const;

@@ -1,12 +1,10 @@
 #include "core/VLLog.h"
 #include "core/VelmoraManager.h"
-#include "model/VLAdSuggestion.h"
-#include "model/VLAdSuggestionFinalState.h"
-#include "model/VLCachedVelmoraAds.h"
 #include "model/VLDefaults.h"
-#include "model/VLFinalStatesModel.h"
+#include "platform/Directories.h"
 #include "platform/FileManager.h"
 #include "platform/Json.h"
+#include "platform/Log.h"
 #include "platform/UrlSession.h"
 #include "platform/UserDefaults.h"
 #include "support/Application.h"
@@ -14,6 +12,7 @@
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
 #include "support/ScriptedServer.h"
+#include "support/StoreFiles.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -36,6 +35,12 @@ using testing::ElementsAre;
 using testing::Key;
 using testing::Not;
 using testing::Pair;
+using testing::UnorderedElementsAre;
+
+/// The lines that the steps of an answer write.
+const std::set<std::string, std::less<>> kSteps{"Suitable ad found", "Suitable ad not found :(",
+                                                "downloading video file", "Download Failed",
+                                                "Streamed no need to download"};
 
 /// A suggestion of a video that can be shown; `more` is more of its entries.
 std::string suggestion(const std::string& id, const std::string& ctaUrl, const std::string& more = "") {
@@ -53,16 +58,39 @@ std::shared_ptr<VLAdRequestOptions> options(std::optional<std::int64_t> cacheTyp
     return made;
 }
 
-std::size_t storedAds() {
-    const auto ads = VLDefaults::getCachedAds()->cachedVelmoraAds.get();
-    return ads ? ads->size() : 0;
-}
+/// What the store holds, as another program reads it.
+struct Kept {
+    std::size_t ads = 0;
+    /// Each "id state", in order.
+    std::vector<std::string> states;
+    std::optional<std::string> user;
 
-/// What an application hears.
+    static Kept now() {
+        Stranger other(platform::applicationDataDirectory() / "defaults.sqlite3");
+        const auto valueOf = [&](const std::string& key) {
+            const auto rows = other.rows("SELECT value FROM defaults WHERE key = '" + key + "'");
+            return rows.empty() ? Value() : platform::parseJson(rows.front()).value();
+        };
+        Kept kept;
+        if (const auto ads = valueOf("cachedAds"); ads.is_object())
+            kept.ads = ads.at("cachedVelmoraAds").as_array().size();
+        if (const auto states = valueOf("finalstates"); states.is_object()) {
+            for (const auto& one : states.at("states").as_array()) {
+                const auto* id = one.as_object().if_contains("suggestionId");
+                kept.states.push_back((id != nullptr ? platform::description(*id) : "no id") + " " +
+                                      platform::description(one.at("state")));
+            }
+        }
+        kept.user = platform::asString(valueOf("velmoraUserId"));
+        return kept;
+    }
+};
+
+/// What an application hears, and what is kept at that moment.
 struct Heard {
     std::string what;
     std::shared_ptr<VelmoraAd> ad;
-    std::size_t adsStored = 0;
+    Kept kept;
     std::thread::id thread;
 };
 
@@ -71,18 +99,23 @@ protected:
     RequestFlow() {
         ::setenv("VELMORA_API_BASE_URL", server_.url("/v2").c_str(), 1);
         VLLogger::setShallLog(true);
+        clearStore();
+    }
+
+    static void clearStore() {
         for (const char* key : {"finalstates", "cachedAds", "velmoraUserId"}) {
             platform::UserDefaults::standard().removeObjectForKey(key);
         }
     }
 
-    Heard request(const std::shared_ptr<VLAdRequestOptions>& options = nullptr) {
+    Heard request(const std::shared_ptr<VLAdRequestOptions>& options = nullptr,
+                  const std::optional<std::string>& zone = "zone") {
         const auto heard = std::make_shared<Await<Heard>>();
         const auto add = [heard](const std::string& what, const std::shared_ptr<VelmoraAd>& ad) {
-            heard->add({what, ad, storedAds(), std::this_thread::get_id()});
+            heard->add({what, ad, Kept::now(), std::this_thread::get_id()});
         };
         Velmora::requestAdForZone(
-            "zone", options,
+            zone, options,
             [add](const auto& ad) { add("available " + ad->getId().value_or("without an id"), ad); },
             [add] { add("none", nullptr); },
             [add](const std::string& message) { add("error " + message, nullptr); },
@@ -104,6 +137,7 @@ protected:
 
     Script respond(const SeenRequest& request) {
         if (request.target == "/v2/suggestions/") return answer_;
+        if (onMedia_) onMedia_();
         if (request.target.starts_with("/media/lost")) return {};
         return Script::answer(200, "a video");
     }
@@ -116,82 +150,173 @@ protected:
 
     LogCapture log_;
     Script answer_;
+    std::function<void()> onMedia_;
     std::vector<std::shared_ptr<VelmoraAd>> expired_;
     ScriptedServer server_{[this](const SeenRequest& request) { return respond(request); }};
 };
 
-TEST_F(RequestFlow, AStreamedAdIsStoredAndThenOfferedOnABackgroundThread) {
-    answer_ = Script::answer(
-        200, answer(suggestion("first", "http://x/v.mp4") + "," + suggestion("second", "http://x/w.mp4"),
-                    R"("velmoraUserId": "u-1", )"));
+TEST_F(RequestFlow, TheStepsOfAnAnswerComeInTheirOrder) {
+    const std::string video = suggestion("a", server_.url("/media/clip.mp4?x=1"));
+    const std::string both = video + "," + suggestion("b", "u");
+    const std::string lost = suggestion("a", server_.url("/media/lost.mp4"));
+    const std::string nowhere = suggestion("a", server_.url("/media/.."));
+    const std::string unsupported = R"({"suggestionId": "a", "creative": {"ctaType": 4}})";
+    const std::vector<std::string> refused{"Suitable ad found", "downloading video file", "Download Failed"};
+    // The cache says it too.
+    auto failed = refused;
+    failed.emplace_back("Download Failed");
+    const auto documents = platform::FileManager::documentsDirectory();
+
+    const struct {
+        std::string suggestions;
+        std::optional<std::int64_t> cacheType;
+        std::string heard;
+        std::vector<std::string> said;
+        std::size_t adsAtTheCallback;
+        std::optional<std::string> path;
+    } cases[] = {
+        {both, 2, "available a", {"Suitable ad found", "Streamed no need to download"}, 1, std::nullopt},
+        {both,
+         1,
+         "available a",
+         {"Suitable ad found", "downloading video file"},
+         0,
+         documents / "clip.mp4?x=1"},
+        {lost, 1, "available a", failed, 0, std::nullopt},
+        {nowhere, 1, "available a", refused, 0, std::nullopt},
+        {unsupported, 2, "none", {"Suitable ad not found :("}, 0, std::nullopt},
+        {both, 3, "error Unsupported cache type.", {"Suitable ad found"}, 0, std::nullopt},
+        {both, std::nullopt, "error Unsupported cache type.", {"Suitable ad found"}, 0, std::nullopt},
+        {unsupported, 3, "none", {"Suitable ad not found :("}, 0, std::nullopt},
+    };
+
+    int round = 0;
+    for (const auto& one : cases) {
+        const auto user = "u-" + std::to_string(++round);
+        const std::vector<std::string> states = one.suggestions == both
+                                                    ? std::vector<std::string>{"a 2", "b 2"}
+                                                    : std::vector<std::string>{"a 2"};
+        SCOPED_TRACE(one.heard + " " + user);
+        clearStore();
+        answer_ = Script::answer(200, answer(one.suggestions, R"("velmoraUserId": ")" + user + R"(", )"));
+        // The lines of the steps, each with what was kept when it was written.
+        std::vector<std::string> said;
+        const auto before = platform::setLogSink([&](std::string_view line) {
+            if (!kSteps.contains(line)) return;
+            said.emplace_back(line);
+            EXPECT_EQ(Kept::now().states, states) << line;
+            EXPECT_EQ(Kept::now().user, user) << line;
+        });
+        const auto wanted = options(one.cacheType);
+        const auto heard = request(wanted);
+        platform::setLogSink(before);
+
+        EXPECT_EQ(said, one.said);
+        EXPECT_EQ(heard.what, one.heard);
+        EXPECT_NE(heard.thread, std::this_thread::get_id());
+        EXPECT_EQ(heard.kept.states, states);
+        EXPECT_EQ(heard.kept.user, user);
+        EXPECT_EQ(heard.kept.ads, one.adsAtTheCallback);
+        EXPECT_EQ(Kept::now().ads, heard.ad ? 1U : 0U);
+        // It is for a later version to offer it again.
+        EXPECT_EQ(VelmoraManager::getValidCachedAdForZone("zone"), nullptr);
+        EXPECT_EQ(VelmoraManager::getValidCachedAdForZone("zone", 2), nullptr);
+        if (!heard.ad) continue;
+        EXPECT_EQ(heard.ad->getZoneId(), "zone");
+        EXPECT_EQ(heard.ad->getVideoFilePath(), one.path);
+        EXPECT_TRUE(heard.ad->isValid());
+        EXPECT_EQ(heard.ad->getRequestOptions(), wanted);
+        EXPECT_EQ(wanted->getCacheTypeNumber() == VLCacheType::cached, one.path.has_value());
+    }
+}
+
+TEST_F(RequestFlow, AnAdIsReadyWhenItsDownloadIsDone) {
+    UseManualClock clock;
+    onMedia_ = [&] { clock->advance(5s); };
     const auto before = platform::nowInMilliseconds();
-    const auto heard = request();
-    EXPECT_EQ(heard.what, "available first");
-    EXPECT_EQ(heard.adsStored, 1U);
-    EXPECT_NE(heard.thread, std::this_thread::get_id());
-    EXPECT_EQ(heard.ad->getZoneId(), "zone");
-    EXPECT_EQ(heard.ad->getVideoFilePath(), std::nullopt);
-    EXPECT_EQ(heard.ad->getRequestOptions()->getCacheTypeNumber(), 2);
-    EXPECT_GE(heard.ad->getCacheTime().value(), before);
-    EXPECT_TRUE(heard.ad->isValid());
-    EXPECT_TRUE(log_.has("Suitable ad found"));
-    EXPECT_TRUE(log_.has("Streamed no need to download"));
-    EXPECT_EQ(VLDefaults::getVelmoraUserId(), "u-1");
-    // It is for a later version to offer it again.
-    EXPECT_EQ(VelmoraManager::getValidCachedAdForZone("zone"), nullptr);
-    EXPECT_EQ(VelmoraManager::getValidCachedAdForZone("zone", 2), nullptr);
+    answer_ = Script::answer(200, answer(suggestion("a", server_.url("/media/v"))));
+    EXPECT_EQ(request(options(1)).ad->getCacheTime(), before + 5000);
+}
+
+TEST_F(RequestFlow, AVideoThatCannotBeWrittenIsOfferedWithAPathToNoFile) {
+    const auto documents = platform::FileManager::documentsDirectory();
+    std::filesystem::remove_all(documents);
+    // A file where the folder should be.
+    ASSERT_TRUE(platform::FileManager::write(documents, ""));
+    answer_ = Script::answer(200, answer(suggestion("a", server_.url("/media/v"))));
+    const auto heard = request(options(1));
+    std::filesystem::remove(documents);
+
+    EXPECT_EQ(heard.what, "available a");
+    EXPECT_EQ(heard.ad->getVideoFilePath(), documents / "v");
+    EXPECT_TRUE(heard.ad->isFileRemoved());
+    EXPECT_FALSE(heard.ad->isValid());
+}
+
+TEST_F(RequestFlow, ARequestLetsItsCallbacksGoOnceItHasItsAnswer) {
+    UseManualClock clock;
+    Application application;
+    const struct {
+        Script answer;
+        std::int64_t cacheType;
+        bool expires;
+    } cases[] = {
+        {Script::answer(200, answer(suggestion("a", "u"))), 2, false},
+        {Script::answer(200, answer(suggestion("a", "u", R"("expirationTimeInMillis": 5000, )"))), 2, true},
+        {Script::answer(
+             200, answer(suggestion("a", server_.url("/media/v"), R"("expirationTimeInMillis": 5000, )"))),
+         1, true},
+        {Script::answer(200, answer(suggestion("a", "u"))), 3, false},
+        {Script::answer(200, answer("")), 2, false},
+        {Script::answer(500, ""), 2, false},
+    };
+    for (const auto& one : cases) {
+        answer_ = one.answer;
+        const auto gone = std::make_shared<Await<std::string>>();
+        // Something of the application's that tells when it is destroyed.
+        const auto held = [&gone](const std::string& name) {
+            return std::shared_ptr<void>(nullptr, [gone, name](void*) { gone->add(name); });
+        };
+        Velmora::requestAdForZone(
+            "zone", options(one.cacheType), [held = held("available")](const auto&) {},
+            [held = held("none")] {}, [held = held("error")](const auto&) {},
+            [held = held("expiring")](const auto&) {});
+        EXPECT_TRUE(gone->count(one.expires ? 3 : 4));
+        settle();
+        EXPECT_EQ(gone->values().size(), one.expires ? 3U : 4U);
+        if (!one.expires) continue;
+        EXPECT_THAT(gone->values(), UnorderedElementsAre("available", "none", "error"));
+        clock->advance(5s);
+        EXPECT_TRUE(application.runUntil([&] { return gone->values().size() == 4; }));
+    }
 }
 
 TEST_F(RequestFlow, EachRequestCarriesTheStatesOfTheAnswerBeforeIt) {
     answer_ = Script::answer(
         200, answer(suggestion("a", "u") + "," + suggestion("b", "u"), R"("velmoraUserId": "7", )"));
     request(options(1));
+    answer_ = Script::answer(500, "");
+    request();
     answer_ = Script::answer(200, answer(""));
-    request();
-    request();
+    request(nullptr, "");
+    request(nullptr, std::nullopt);
     const auto seen = asked();
-    ASSERT_EQ(seen.size(), 3U);
+    ASSERT_EQ(seen.size(), 4U);
     const auto state = [](const std::string& id) {
         return R"({"extraInfo":{},"state":2,"suggestionId":")" + id + R"("})";
     };
-    const auto body = [](int cacheType, const std::string& states) {
-        return platform::parseJson(R"({"clientRequestedCacheType":)" + std::to_string(cacheType) +
-                                   R"(,"zoneId":"zone","finalStatesRequest":{"states":[)" + states + "]}}");
+    const auto body = [](int cacheType, const std::string& zone, const std::string& states) {
+        return platform::parseJson(R"({"clientRequestedCacheType":)" + std::to_string(cacheType) + zone +
+                                   R"(,"finalStatesRequest":{"states":[)" + states + "]}}");
     };
-    EXPECT_EQ(platform::parseJson(seen[0].body), body(1, ""));
-    EXPECT_EQ(platform::parseJson(seen[1].body), body(2, state("a") + "," + state("b")));
-    EXPECT_EQ(platform::parseJson(seen[2].body), body(2, ""));
+    const auto zone = R"(,"zoneId":"zone")";
+    EXPECT_EQ(platform::parseJson(seen[0].body), body(1, zone, ""));
+    EXPECT_EQ(platform::parseJson(seen[1].body), body(2, zone, state("a") + "," + state("b")));
+    // A failed answer leaves the states, and an empty zone is none.
+    EXPECT_EQ(platform::parseJson(seen[2].body), body(2, "", state("a") + "," + state("b")));
+    EXPECT_EQ(platform::parseJson(seen[3].body), body(2, "", ""));
     EXPECT_THAT(seen[0].headers, AllOf(Contains(Key("sdk-version")), Not(Contains(Key("t-user-id")))));
     EXPECT_THAT(seen[1].headers, Contains(Pair("t-user-id", "7")));
-}
-
-TEST_F(RequestFlow, ACachedAdIsOfferedWithItsVideoAndThenStored) {
-    answer_ = Script::answer(200, answer(suggestion("a", server_.url("/media/clip.mp4?x=1"))));
-    const auto wanted = options(1);
-    const auto heard = request(wanted);
-    EXPECT_EQ(heard.what, "available a");
-    EXPECT_EQ(heard.adsStored, 0U);
-    EXPECT_EQ(storedAds(), 1U);
-    EXPECT_EQ(heard.ad->getVideoFilePath(),
-              (platform::FileManager::documentsDirectory() / "clip.mp4?x=1").string());
-    EXPECT_TRUE(heard.ad->isValid());
-    std::filesystem::remove(heard.ad->getVideoFilePath().value());
-    EXPECT_FALSE(heard.ad->isValid());
-}
-
-TEST_F(RequestFlow, AFailedDownloadIsOfferedForStreaming) {
-    for (const auto& url : {server_.url("/media/lost.mp4"), server_.url("/media/..")}) {
-        answer_ = Script::answer(200, answer(suggestion("a", url)));
-        const auto wanted = options(1);
-        const auto heard = request(wanted);
-        EXPECT_EQ(heard.what, "available a");
-        EXPECT_EQ(heard.ad->getVideoFilePath(), std::nullopt);
-        EXPECT_EQ(wanted->getCacheTypeNumber(), 2);
-        EXPECT_EQ(heard.ad->getRequestOptions(), wanted);
-        EXPECT_TRUE(log_.has("Download Failed"));
-        log_.clear();
-    }
-    EXPECT_EQ(storedAds(), 2U);
 }
 
 TEST_F(RequestFlow, WhateverTheServiceAnswersEndsInOneCallback) {
@@ -228,20 +353,9 @@ TEST_F(RequestFlow, WhateverTheServiceAnswersEndsInOneCallback) {
     VLDefaults::setVelmoraUserId("u-1");
     for (const auto& one : cases) {
         answer_ = one.answer;
-        log_.clear();
         EXPECT_EQ(request().what, one.heard) << one.answer.bytes.substr(0, 300);
-        EXPECT_EQ(log_.has("Suitable ad not found :("), one.heard == "none");
     }
     EXPECT_EQ(VLDefaults::getVelmoraUserId(), "u-1");
-}
-
-TEST_F(RequestFlow, AnUnknownCacheTypeEndsInAnErrorOnceAnAdIsFound) {
-    answer_ = Script::answer(200, answer(suggestion("a", "u")));
-    EXPECT_EQ(request(options(3)).what, "error Unsupported cache type.");
-    EXPECT_EQ(request(options(std::nullopt)).what, "error Unsupported cache type.");
-    answer_ = Script::answer(200, answer(""));
-    EXPECT_EQ(request(options(3)).what, "none");
-    EXPECT_EQ(storedAds(), 0U);
 }
 
 TEST_F(RequestFlow, TheOrderIsTheServicesUnlessItAsksForChance) {
@@ -298,7 +412,7 @@ TEST_F(RequestFlow, ACallbackMayAskAgainAndThrow) {
     ask(5);
     EXPECT_TRUE(ends->count(6));
     settle();
-    EXPECT_EQ(storedAds(), 6U);
+    EXPECT_EQ(Kept::now().ads, 6U);
     EXPECT_TRUE(log_.has("An exception left onAdAvailable: the application's own fault"));
 }
 

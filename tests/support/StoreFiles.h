@@ -29,6 +29,19 @@ public:
             << sql << ": " << sqlite3_errmsg(connection_);
     }
 
+    /// The first column of what it reads.
+    std::vector<std::string> rows(const std::string& query) {
+        std::vector<std::string> found;
+        const auto add = [](void* rows, int, char** columns, char**) {
+            static_cast<std::vector<std::string>*>(rows)->emplace_back(columns[0] != nullptr ? columns[0]
+                                                                                             : "");
+            return 0;
+        };
+        EXPECT_EQ(sqlite3_exec(connection_, query.c_str(), add, &found, nullptr), SQLITE_OK)
+            << query << ": " << sqlite3_errmsg(connection_);
+        return found;
+    }
+
 private:
     sqlite3* connection_ = nullptr;
 };
