@@ -4,6 +4,7 @@
 #include "core/VelmoraManager.h"
 #include "model/VLDefaults.h"
 #include "platform/CallOut.h"
+#include "platform/UserDefaults.h"
 
 namespace velmora {
 
@@ -43,10 +44,16 @@ void Velmora::initializeWithAppKey(const std::optional<std::string>& key,
     if (!key) return VLLog("AppKey passed for initialization is null");
 
     const auto configuration = andConfig ? andConfig : defaultConfiguration();
-    VLDefaults::setDeveloperKey(key);
-    VLDefaults::setDebugMode(configuration->isDebugMode());
-    VLLogger::setShallLog(configuration->isDebugMode());
-    VLDefaults::setAppUserId(configuration->appUserId());
+    // Read once: another thread may be filling it in.
+    const bool debugMode = configuration->isDebugMode();
+    const auto appUserId = configuration->appUserId();
+    {
+        const platform::UserDefaults::Batch batch(platform::UserDefaults::standard());
+        VLDefaults::setDeveloperKey(key);
+        VLDefaults::setDebugMode(debugMode);
+        VLDefaults::setAppUserId(appUserId);
+    }
+    VLLogger::setShallLog(debugMode);
     VLLog("Velmora initialized successfully");
 }
 

@@ -19,10 +19,15 @@
 
 namespace velmora {
 
+/// An ad is there; it can be shown.
 using OnAdAvailable = std::function<void(std::shared_ptr<VelmoraAd>)>;
+/// The service has no ad that suits. No error.
 using OnNoAdAvailable = std::function<void()>;
+/// The request failed, for the reason that the message gives a developer.
 using OnError = std::function<void(const std::string& message)>;
+/// The time of an ad that was offered runs out now.
 using OnExpiring = std::function<void(std::shared_ptr<VelmoraAd>)>;
+/// The showing of an ad ends: see `Velmora::setAdShowFinishedCallback`.
 using OnAdShowFinished = std::function<void(std::shared_ptr<VelmoraAd>, bool completed)>;
 
 /// The whole entry of the library. Every operation may be called from any thread and never throws; none waits
@@ -30,19 +35,24 @@ using OnAdShowFinished = std::function<void(std::shared_ptr<VelmoraAd>, bool com
 /// is wrong with an argument is logged through `VLLog`, and the call then does nothing. What a callback
 /// throws is logged.
 ///
+/// "The main thread" is the one that runs the application's Qt event loop; while none runs, what is to happen
+/// there waits.
+///
 /// A null pointer given as a text means "absent", as `std::nullopt` does.
 class VELMORA_EXPORT Velmora {
 public:
     Velmora() = delete;
 
-    /// As below without a configuration: debug mode on, no user id.
+    /// Stores the key, with debug mode on and without a user id.
     static void initializeWithAppKey(const std::optional<std::string>& key);
 
     static void initializeWithAppKey(const char* key) { initializeWithAppKey(textFrom(key)); }
 
-    /// Stores the key, the debug mode and the user id; they persist until they are set again. Sends nothing.
+    /// Stores the key, the debug mode and the user id, all or none of them; they persist until they are set
+    /// again. Sends nothing.
     ///
-    /// An absent key changes nothing. An absent user id removes the one stored earlier.
+    /// An absent key changes nothing. An absent user id removes the one stored earlier. Without a
+    /// configuration debug mode is on and there is no user id.
     static void initializeWithAppKey(const std::optional<std::string>& key,
                                      const std::shared_ptr<VLConfiguration>& andConfig);
 
@@ -56,7 +66,7 @@ public:
     /// Stores the debug mode. Whether this process logs was settled at initialisation and stays as it is.
     static void setDebugMode(bool debugMode);
 
-    /// As below without options: the ad is streamed.
+    /// Asks for an ad that is streamed.
     static void requestAdForZone(const std::optional<std::string>& zone, const OnAdAvailable& onAdAvailable,
                                  const OnNoAdAvailable& onNoAdAvailable, const OnError& onError,
                                  const OnExpiring& onExpiring);
@@ -74,10 +84,20 @@ public:
     /// its time and may call the library; those of other requests then wait, their transfers do not. None is
     /// called once the process has left `main`.
     ///
-    /// With cache type 1 the video is on disk before `onAdAvailable`; when it cannot be fetched the ad is
-    /// offered for streaming instead, and the cache type of `andOptions` becomes 2. `onExpiring` follows on
-    /// the main thread when an available ad has a time limit and it runs out, shown or not.
-    /// All four are required: with one missing, the request is dropped and none is called.
+    /// With `VLCacheType::cached` the video is on disk before `onAdAvailable`; when it cannot be fetched the
+    /// ad is offered for streaming instead, and the cache type of `andOptions` becomes that. A video that
+    /// came but could not be written, because the application's Documents directory is full or not writable,
+    /// is offered all the same: with a path to no file, and not valid. Options to which no cache type was
+    /// set, or a number that is none, end in `onError` with "Unsupported cache type." when the service has an
+    /// ad.
+    ///
+    /// `onExpiring` follows on the main thread when an available ad has a time limit and it runs out, shown
+    /// or not. All four callbacks are required: with one missing, the request is dropped and none is called.
+    ///
+    /// They are copied by this call, and destroyed soon after the one that is the answer has returned, on the
+    /// same thread. That of `onExpiring` lives on, with the handle, until it has been called, and is
+    /// destroyed on the main thread; without a time limit it goes with the others. What still waits when the
+    /// process leaves `main` is never destroyed.
     static void requestAdForZone(const std::optional<std::string>& zone,
                                  const std::shared_ptr<VLAdRequestOptions>& andOptions,
                                  const OnAdAvailable& onAdAvailable, const OnNoAdAvailable& onNoAdAvailable,
@@ -89,8 +109,38 @@ public:
         requestAdForZone(textFrom(zone), andOptions, onAdAvailable, onNoAdAvailable, onError, onExpiring);
     }
 
-    /// Called when the showing of an ad ends, with whether it counts as completed. Replaces the callback set
-    /// before; an empty one clears it.
+    /// Sets what is told of the ends of videos, with whether one counts as completed. Always on the main
+    /// thread, in so many calls:
+    ///
+    /// | what becomes of the show | calls | `completed` |
+    /// |---|---|---|
+    /// | the video plays to its end | at its end, while its page is still to come | true |
+    /// |   then its page closes, or a replay is left without the dialog option | again | true |
+    /// |   a replay that plays to its end | none more at that end | |
+    /// | the video is skipped, and then its page closes | one, when the page closes | false |
+    /// | the video is left by its exit button | one | false |
+    /// |   the same with the dialog option | none | |
+    /// | the video cannot be loaded | one | true |
+    /// |   it fails after its length was known | one | false, in a replay true |
+    /// | the video ends without its length ever known | one, when its page closes | false |
+    /// | a page that asks to be closed more than once | one for each time | as above |
+    /// | the ad is a banner | none | |
+    /// | its window is closed from outside | none more | |
+    /// | the ad is not shown, or the screen stays empty (see `VelmoraAd::showWithOptions`) | none | |
+    ///
+    /// The first call with true is thus the one to reward for, and only that one:
+    ///
+    /// ```
+    /// std::set<std::weak_ptr<VelmoraAd>, std::owner_less<std::weak_ptr<VelmoraAd>>> rewarded;
+    /// Velmora::setAdShowFinishedCallback([rewarded](const auto& ad, bool completed) mutable {
+    ///     if (completed && ad->isRewardedAd() && rewarded.insert(ad).second) giveReward();
+    /// });
+    /// ```
+    ///
+    /// It rewards once for each handle, also for a video that could not be loaded: that counts as completed.
+    ///
+    /// Replaces the callback set before; an empty one clears it. The old one is destroyed on the thread that
+    /// replaces it, or by the main thread when it is being called there; the last one never.
     static void setAdShowFinishedCallback(OnAdShowFinished callback);
 
     /// The library's version, "3.0.0".

@@ -1,8 +1,10 @@
 #include "core/VLLog.h"
 #include "core/VelmoraManager.h"
 #include "model/VLDefaults.h"
+#include "platform/Directories.h"
 #include "platform/UserDefaults.h"
 #include "support/LogCapture.h"
+#include "support/StoreFiles.h"
 #include "support/Threads.h"
 
 #include <chrono>
@@ -98,6 +100,30 @@ TEST_F(Facade, InitialisationStoresWhatTheConfigurationSays) {
     Velmora::initializeWithAppKey("");
     EXPECT_EQ(VLDefaults::getDeveloperKey(), "");
     EXPECT_TRUE(VLDefaults::getDebugMode());
+}
+
+TEST(Configuration, UnsetIsNotOffAndANullTextIsAbsent) {
+    VLConfiguration filled;
+    EXPECT_EQ(filled.mDebugMode(), std::nullopt);
+    EXPECT_FALSE(filled.isDebugMode());
+    EXPECT_EQ(filled.appUserId(), std::nullopt);
+
+    filled.setDebugMode(false);
+    EXPECT_EQ(filled.mDebugMode(), false);
+    filled.setMDebugMode(true);
+    EXPECT_TRUE(filled.isDebugMode());
+    filled.setMDebugMode(std::nullopt);
+    EXPECT_FALSE(filled.isDebugMode());
+
+    const char* const none = nullptr;
+    filled.setAppUserId("user");
+    EXPECT_EQ(filled.mAppUserId(), "user");
+    filled.setMAppUserId(none);
+    EXPECT_EQ(filled.appUserId(), std::nullopt);
+    filled.setMAppUserId(std::string("other"));
+    EXPECT_EQ(filled.appUserId(), "other");
+    filled.setAppUserId(none);
+    EXPECT_EQ(filled.mAppUserId(), std::nullopt);
 }
 
 TEST_F(Facade, WithoutAKeyNothingIsStored) {
@@ -240,21 +266,40 @@ TEST_F(Facade, AShowFinishedCallbackMayReplaceItselfAndCallTheLibraryWhenItGoes)
     Velmora::setAdShowFinishedCallback(nullptr);
 }
 
-TEST_F(Facade, ItMayBeUsedByThreadsAtOnce) {
-    const auto use = [](int thread) {
-        const std::string name(50, static_cast<char>('a' + thread));
+TEST_F(Facade, ThreadsMayInitialiseItAtOnceAndNobodySeesHalfOfIt) {
+    Velmora::initializeWithAppKey("-0", configuration(true, "-0"));
+    const auto shared = configuration(true, "-0");
+    const auto use = [&shared](int thread) {
+        const auto name = "-" + std::to_string(thread);
         for (int round = 0; round < 15; ++round) {
             Velmora::initializeWithAppKey(name, configuration(thread % 2 == 0, name));
-            Velmora::setAdShowFinishedCallback([name](const auto&, bool) { EXPECT_EQ(name.size(), 50U); });
+            shared->setDebugMode(thread % 2 == 0);
+            shared->setAppUserId(name);
+            EXPECT_EQ(shared->appUserId()->size(), name.size());
+            Velmora::setAdShowFinishedCallback([name](const auto&, bool) { EXPECT_EQ(name.size(), 2U); });
             VelmoraManager::onAdShowFinished(nullptr, true);
             VLLog("%@", name);
         }
     };
-    { const Threads threads(4, use); }
+    // What another program sees at one moment: key, user and debug mode are of one call.
+    const auto look = [] {
+        Stranger other(platform::applicationDataDirectory() / "defaults.sqlite3");
+        for (int round = 0; round < 200; ++round) {
+            const auto seen = other.rows(
+                "SELECT value FROM defaults WHERE key IN ('developerKey', 'appUserId', 'debugMode') "
+                "ORDER BY value");
+            ASSERT_EQ(seen.size(), 3U);
+            EXPECT_EQ(seen[0], seen[1]);
+            EXPECT_EQ(seen[2], (seen[0][2] - '0') % 2 == 0 ? "true" : "false");
+        }
+    };
+    {
+        const Threads threads(5, [&](int thread) {
+            if (thread < 4) return use(thread);
+            look();
+        });
+    }
     Velmora::setAdShowFinishedCallback(nullptr);
-
-    const auto key = VLDefaults::getDeveloperKey().value();
-    EXPECT_EQ(key, std::string(50, key.front()));
 }
 
 TEST_F(Facade, ItsVersionIsNotThatOfTheLibraryFile) {
