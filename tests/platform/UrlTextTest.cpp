@@ -1,6 +1,11 @@
 #include "platform/UrlText.h"
 
-#include <cctype>
+#include "platform/Utf8.h"
+#include "support/OddUrls.h"
+
+#include <random>
+#include <sstream>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -43,14 +48,24 @@ TEST(UrlText, TheQueryIsReadPairByPair) {
         {"https://h?q=1+2%2B3%20", "q=1+2+3 "},
         {"https://h/p?%D8%B3=%D8%B3", "س=س"},
         {"https://h/p?u=https://g/?x", "u=https://g/?x"},
-        {"https://h/p?a=%00b", std::string("a=\0b", 4)},
+        {"velmora://open?#x", ""},
+        {"velmora://open?#?a=1", ""},
+        {"?", ""},
+        {"?&&", "||"},
+        {"?=", "="},
+        {"?a", "a"},
+        {"?a=1&b=%00&c=x%00y&d=2", "a=1|b|c|d=2"},
+        {"?a=%FF&b=%C0%80&c=%ED%A0%80&d=%C3%A4", "a|b|c|d=ä"},
+        {"?%00=1&%FF=2&a=3", "a=3"},
+        {"?a=%zz", std::nullopt},
+        {"?a=%", std::nullopt},
         {"vl://open?type=1#f?b=2", "type=1"},
         {"?a=1", "a=1"},
         {"", std::nullopt},
         {"https://h/p", std::nullopt},
         {"https://h/p#?a=1", std::nullopt},
         {"https://h/p?a=%2", std::nullopt},
-        {"velmora://open?target=http://x/?ids[]=3", "target=http://x/?ids[]=3"},
+        {"velmora://open?target=http://x/?ids[]=3&[=]", "target=http://x/?ids[]=3|[=]"},
         {"https://h/p?a=1 2", std::nullopt},
         {"https://h/p?a=س", std::nullopt},
         {"https://[h/p?a=1", std::nullopt},
@@ -67,6 +82,59 @@ TEST(UrlText, TheQueryIsReadPairByPair) {
         }
         EXPECT_EQ(read, pairs) << url;
     }
+}
+
+TEST(UrlText, WhatIsEncodedIsReadAsItWas) {
+    // Mostly what queries are made of, and now and then any byte.
+    constexpr std::string_view kUsual = "ab%2F&&==[]#?/:+ ~\"|";
+    std::mt19937 random(1);
+    const auto below = [&](std::size_t end) { return random() % end; };
+    const auto readable = [](std::string_view text) {
+        return platform::isUtf8(text) && text.find('\0') == std::string_view::npos;
+    };
+    for (int round = 0; round < 20'000; ++round) {
+        std::string text;
+        for (auto length = below(24); length > 0; --length)
+            text += below(8) > 0 ? kUsual[below(kUsual.size())] : static_cast<char>(below(256));
+        const auto mark = text.substr(0, text.find('#')).find('?');
+        EXPECT_EQ(platform::queryItems(text).has_value(), platform::isUrl(text) && mark != std::string::npos)
+            << text;
+
+        const auto url = "/?" + percentEncoded(text, UrlCharacters::queryAllowed);
+        EXPECT_TRUE(platform::isUrl(url)) << url;
+
+        std::vector<std::string> expected;
+        std::stringstream pairs(text + '&');
+        for (std::string pair; std::getline(pairs, pair, '&');) {
+            const auto name = pair.substr(0, pair.find('='));
+            if (!readable(name)) continue;
+            const bool hasValue = name.size() < pair.size() && readable(pair.substr(name.size() + 1));
+            expected.push_back(hasValue ? pair : name);
+        }
+        const auto items = platform::queryItems(url).value();
+        std::vector<std::string> read;
+        for (const auto& [name, value] : items) read.push_back(value ? name + '=' + *value : name);
+        EXPECT_EQ(read, expected) << url;
+    }
+}
+
+TEST(UrlText, WhatIsAUrlIsDecidedByItsBytesItsPercentSignsAndItsAuthority) {
+    const struct {
+        bool areUrls;
+        std::string words;
+    } cases[] = {
+        {true, "a /p?q#f //h:1 ? # http://h http://[::1]:8080/ http://u:p@h:65535/a//b/ http://h:/ http:///x "
+               "file:///a%20b tel:+98 sms:1&body=a mailto:a@b?subject=c a: http://%D8%B3/ HTTP://H"},
+        {false, "http://h/%g0 http://h/%0g ?%zz #%zz http://%zz/ http://u%zz@h/ http://h:65536/ http://h:x/ "
+                "http://[::1 http://[h]/ http://%FF/ http://h/\x7F"},
+    };
+    for (const auto& [areUrls, words] : cases) {
+        std::istringstream urls(words);
+        for (std::string url; urls >> url;) EXPECT_EQ(platform::isUrl(url), areUrls) << url;
+    }
+    EXPECT_FALSE(platform::isUrl(""));
+    for (const auto& url : oddUrls("http://h/")) EXPECT_TRUE(platform::isUrl(url)) << url;
+    for (const auto& url : noUrls("http://h/")) EXPECT_FALSE(platform::isUrl(url)) << url;
 }
 
 TEST(UrlText, SchemeAndHostAreReadFromTextThatNeedNotBeWellFormed) {
