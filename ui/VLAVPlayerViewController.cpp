@@ -1,7 +1,6 @@
 #include "ui/VLAVPlayerViewController.h"
 
 #include "platform/MainQueue.h"
-#include "platform/UrlText.h"
 #include "ui/ImageButton.h"
 #include "ui/Label.h"
 #include "ui/VLAVPlayerViewControllerDelegate.h"
@@ -40,7 +39,7 @@ std::shared_ptr<VLAVPlayerViewController> VLAVPlayerViewController::self() {
 }
 
 std::optional<std::string> VLAVPlayerViewController::url() const {
-    return urlString && platform::isUrl(*urlString) ? urlString : std::nullopt;
+    return urlString ? urlString : videoFilePath;
 }
 
 template <class... Parameters, class... Arguments>

@@ -78,7 +78,7 @@ public:
     [[nodiscard]] ImageButton* muteButton();
     [[nodiscard]] ImageButton* skipButton();
 
-    std::optional<std::string> urlString;      ///< goes before the file, and is what the delegate is told
+    std::optional<std::string> urlString;      ///< goes before the file
     std::optional<std::string> videoFilePath;  ///< played when there is no URL
     std::weak_ptr<VLAVPlayerViewControllerDelegate> delegate;
     std::shared_ptr<VLAdShowOptions> adShowOptions;

@@ -7,8 +7,8 @@ namespace velmora {
 
 class VLAVPlayerViewController;
 
-/// What happens on the screen of a video. Main thread. A URL is the one that was set, absent when none was or
-/// when it is no URL.
+/// What happens on the screen of a video. Main thread. A URL is what was played: the text that was set,
+/// or the path of the file.
 class VLAVPlayerViewControllerDelegate {
 public:
     virtual ~VLAVPlayerViewControllerDelegate() = default;

@@ -46,7 +46,7 @@ platform::Page& VLWebViewController::webView() {
 void VLWebViewController::setUrlString(std::optional<std::string> urlString) {
     urlString_ = std::move(urlString);
     auto& page = webView();
-    if (urlString_) page.load(*urlString_);
+    if (urlString_ && platform::isUrl(*urlString_)) page.load(*urlString_);
 }
 
 platform::ScreenSize VLWebViewController::screenSize() {

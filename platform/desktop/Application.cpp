@@ -2,6 +2,7 @@
 
 #include "platform/CallOut.h"
 #include "platform/Log.h"
+#include "platform/UrlText.h"
 #include "platform/desktop/RootControllers.h"
 
 #include <memory>
@@ -24,7 +25,6 @@ bool hasWidgets() { return qobject_cast<QApplication*>(QCoreApplication::instanc
 struct Release {
     void operator()(GObject* object) const noexcept { g_object_unref(object); }
     void operator()(GError* error) const noexcept { g_error_free(error); }
-    void operator()(char* text) const noexcept { g_free(text); }
 };
 
 void launch(const std::string& url) {
@@ -47,16 +47,15 @@ void Application::setRootViewController(std::shared_ptr<ViewController> controll
 }
 
 bool Application::canOpenUrl(const std::string& url) {
-    // C ends a text at a zero byte: what would be opened is not what was asked.
-    if (url.find('\0') != std::string::npos) return false;
-    const std::unique_ptr<char, Release> scheme(g_uri_parse_scheme(url.c_str()));
-    if (!scheme) return false;
-    auto* handler = g_app_info_get_default_for_uri_scheme(scheme.get());
+    const auto scheme = urlScheme(url);
+    if (!isUrl(url) || scheme.empty()) return false;
+    auto* handler = g_app_info_get_default_for_uri_scheme(scheme.c_str());
     const std::unique_ptr<GObject, Release> held(G_OBJECT(handler));
     return handler != nullptr;
 }
 
 void Application::openUrl(const std::string& url) {
+    if (!isUrl(url)) return log("A URL cannot be opened: it is none");
     // GIO's own asynchronous call needs an event loop of GLib's kind, which Qt does not everywhere run.
     callOut("opening a URL", [&] { std::thread([url] { launch(url); }).detach(); });
 }

@@ -2,6 +2,7 @@
 
 #include "platform/Bundle.h"
 #include "platform/Log.h"
+#include "platform/UrlText.h"
 #include "platform/desktop/CurlLoop.h"
 
 #include <array>
@@ -107,10 +108,9 @@ void CurlTransfer::cancel() {
 
 std::optional<std::string> CurlTransfer::destination() {
     url_.reset(curl_url());
-    // A zero byte would end the address early.
-    if (request_.url.find('\0') != std::string::npos ||
-        curl_url_set(url_.get(), CURLUPART_URL, request_.url.c_str(), CURLU_NON_SUPPORT_SCHEME) !=
-            CURLUE_OK) {
+    // libcurl alone is more generous than a player or a page.
+    if (!isUrl(request_.url) || curl_url_set(url_.get(), CURLUPART_URL, request_.url.c_str(),
+                                             CURLU_NON_SUPPORT_SCHEME) != CURLUE_OK) {
         finish(UrlError::badUrl);
         return std::nullopt;
     }

@@ -1,6 +1,7 @@
 #include "platform/Player.h"
 
 #include "platform/Immortal.h"
+#include "platform/UrlText.h"
 #include "platform/desktop/QtPlayer.h"
 
 #include <QString>
@@ -12,7 +13,8 @@ namespace {
 class QtPlayerFactory final : public PlayerFactory {
 public:
     [[nodiscard]] std::shared_ptr<Player> makeWithUrl(const std::string& url) override {
-        return std::make_shared<QtPlayer>(QUrl(QString::fromStdString(url), QUrl::StrictMode));
+        return std::make_shared<QtPlayer>(isUrl(url) ? QUrl::fromEncoded(QByteArray::fromStdString(url))
+                                                     : QUrl());
     }
 
     [[nodiscard]] std::shared_ptr<Player> makeWithFile(const std::filesystem::path& file) override {

@@ -15,6 +15,7 @@
 #include "platform/Json.h"
 #include "support/Await.h"
 #include "support/ManualClock.h"
+#include "support/OddUrls.h"
 #include "support/ScriptedServer.h"
 
 #include <atomic>
@@ -181,11 +182,17 @@ TEST(InternetCacher, AFileIsFetchedOnceAndNeverLeavesItsFolder) {
     }
     EXPECT_EQ(get(std::nullopt, "v.mp4"), "Invalid file name");
     EXPECT_EQ(get(server.url("/v"), ""), folder.string());
+    for (const auto& url : noUrls(server.url("/v")))
+        EXPECT_EQ(get(url, "v.mp4"), "Video file download failed") << url;
     EXPECT_TRUE(server.seen().empty());
+    for (const auto& url : oddUrls(server.url("/v")))
+        EXPECT_EQ(get(url, VLMD5(url)), (folder / VLMD5(url).value()).string()) << url;
+    const auto odd = server.seen().size();
+    EXPECT_EQ(odd, oddUrls("").size());
     EXPECT_EQ(get("http://127.0.0.1:1/v", "v.mp4"), "Video file download failed");
     EXPECT_EQ(get(server.url("/v"), "v.mp4"), (folder / "v.mp4").string());
     EXPECT_EQ(get(server.url("/other"), "v.mp4"), (folder / "v.mp4").string());
-    EXPECT_EQ(server.seen().size(), 1U);
+    EXPECT_EQ(server.seen().size(), odd + 1);
     std::string content;
     std::getline(std::ifstream(folder / "v.mp4"), content);
     EXPECT_EQ(content, "a page instead");

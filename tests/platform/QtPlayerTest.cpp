@@ -2,6 +2,7 @@
 
 #include "support/Environment.h"
 #include "support/EventLoop.h"
+#include "support/OddUrls.h"
 #include "support/ScriptedServer.h"
 #include "support/Videos.h"
 
@@ -196,7 +197,6 @@ TEST_F(QtPlayerTest, WhatIsNoWholeVideoEitherEndsOrFailsOnceAndTellsNoMore) {
              Case{"garbage", local(videos_.file("garbage.mp4", std::string(5000, 'x'))), false},
              Case{"missing", local(videos_.missing()), false},
              Case{"a folder", local("/"), false},
-             Case{"no URL", QUrl("http://a b", QUrl::StrictMode), false},
              Case{"nothing", QUrl(), false},
              Case{"a path", QUrl(QString::fromStdString(usual.string())), false},
              Case{"a foreign scheme", QUrl("velmora://video"), false},
@@ -213,6 +213,20 @@ TEST_F(QtPlayerTest, WhatIsNoWholeVideoEitherEndsOrFailsOnceAndTellsNoMore) {
         EXPECT_THAT(watched->statuses, ElementsAre(PlayerStatus::failed));
         EXPECT_THAT(watched->ends, IsEmpty());
         EXPECT_THAT(watched->ticks, IsEmpty());
+    }
+}
+
+TEST_F(QtPlayerTest, WhatIsAUrlIsPlayedAndNothingElseIsAskedFor) {
+    const auto content = contentOf(videos_.usual(1));
+    const ScriptedServer server([&](const SeenRequest&) { return Script::answer(200, content); });
+    for (const auto& url : noUrls(server.url("/v"))) {
+        const auto watched = Watched::make(Player::playerWithUrl(url));
+        EXPECT_TRUE(watched->becomes(PlayerStatus::failed)) << url;
+    }
+    EXPECT_THAT(server.seen(), IsEmpty());
+    for (const auto& url : oddUrls(server.url("/v"))) {
+        const auto watched = Watched::make(Player::playerWithUrl(url));
+        EXPECT_TRUE(watched->becomes(PlayerStatus::readyToPlay)) << url;
     }
 }
 

@@ -151,7 +151,7 @@ TEST_F(PlayerController, AFailureBeforeItAppearsIsToldOnceAndItGoesWhenItHasAppe
     EXPECT_EQ(controller.presentingViewController(), nullptr);
 }
 
-TEST_F(PlayerController, WhatIsNoUrlIsToldAsNone) {
+TEST_F(PlayerController, TheVeryTextThatWasPlayedIsTold) {
     for (const auto& url : {std::optional<std::string>("no url"), std::optional<std::string>()}) {
         told_->calls.clear();
         auto& controller = make();
@@ -160,7 +160,8 @@ TEST_F(PlayerController, WhatIsNoUrlIsToldAsNone) {
         static_cast<void>(controller.view());
         player().become(PlayerStatus::failed);
         player().reachEnd();
-        EXPECT_THAT(told_->calls, ElementsAre("failed -", "end -", "will go"));
+        const auto played = url.value_or("/videos/ad.mp4");
+        EXPECT_THAT(told_->calls, ElementsAre("failed " + played, "end " + played, "will go"));
         controller.player.reset();
     }
 }

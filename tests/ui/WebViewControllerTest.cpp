@@ -3,6 +3,7 @@
 #include "platform/Application.h"
 #include "platform/Screen.h"
 #include "support/EventLoop.h"
+#include "support/OddUrls.h"
 #include "support/ScriptedPage.h"
 
 #include <memory>
@@ -89,11 +90,16 @@ TEST_F(WebViewController, ThePageIsMadeOnceOnFirstUseAndLoadsAtOnce) {
     EXPECT_EQ(page().widget->parentWidget(), controller->view());
     EXPECT_EQ(page().widget->geometry(), controller->view()->geometry());
 
-    controller->setUrlString("not a URL");
+    for (const auto& url : noUrls("http://page/")) {
+        controller->setUrlString(url);
+        EXPECT_EQ(controller->urlString(), url);
+    }
     controller->setUrlString(std::nullopt);
     EXPECT_EQ(controller->urlString(), std::nullopt);
+    EXPECT_THAT(page().loads, ElementsAre("http://page/"));
+    for (const auto& url : oddUrls("http://page/")) controller->setUrlString(url);
+    EXPECT_EQ(page().loads.size(), 1 + oddUrls("").size());
     EXPECT_EQ(pages.made().size(), 1u);
-    EXPECT_THAT(page().loads, ElementsAre("http://page/", "not a URL"));
 
     const auto idle = std::make_shared<VLWebViewController>();
     EXPECT_EQ(pages.made().size(), 1u);
@@ -138,6 +144,9 @@ TEST_F(WebViewController, CommandsAreRefusedAndReachTheDelegateOnce) {
          "open a ä http://x?a=b&c a+b"},
         {"velmora://open?type&target=", "open -  -"},
         {"velmora://open?type=%zz&target=b", "open - - -"},
+        {"velmora://open?#type=a", "open - - -"},
+        {"velmora://open?", "open - - -"},
+        {"velmora://open?&&type=[a]&target=%00&description=%FF", "open [a] - -"},
         {"velmora://open?target=" + megabyte, "open - " + megabyte + " -"},
     };
     for (const auto& [url, call] : commands) {
