@@ -38,18 +38,19 @@ public:
     [[nodiscard]] QWidget* view();
     [[nodiscard]] bool isViewLoaded() const;
 
-    /// Presents a controller over the whole screen, over whatever this one presents already shows. One that
-    /// comes while a presenter is still in an animation waits for its end. Presenting a controller that is
-    /// presented already, this one or one of its ancestors, or null, does nothing; nor does presenting from
-    /// one that is not on the screen, or in an application without a `QApplication`.
+    /// Presents a controller over the whole screen, over whatever lies there already. One that comes while a
+    /// presenter is still in an animation waits for its end. Presenting a controller that is presented
+    /// already, this one or one of its ancestors, or null, does nothing; nor does presenting from one that is
+    /// not on the screen, or in an application without a `QApplication`.
     ///
     /// `completion` runs once when it has appeared, that is after the animation and after `viewDidAppear`.
     void presentViewController(const std::shared_ptr<ViewController>& controller, bool animated,
                                Completion completion = {});
 
-    /// Dismisses what this controller presents, with everything above it; a controller that presents nothing
-    /// dismisses itself, that is, asks the one that presents it or one of its ancestors. One that neither
-    /// presents nor is presented does nothing and completes nothing.
+    /// Dismisses what this controller, or the nearest of its ancestors, presents, with all that was presented
+    /// from there; one that presents nothing dismisses itself, or the nearest of its ancestors that is
+    /// presented. What somebody else presented over it stays. One that neither presents nor is presented does
+    /// nothing and completes nothing.
     ///
     /// `completion` runs once after the animation, when the views are gone.
     void dismissViewControllerAnimated(bool animated, Completion completion = {});

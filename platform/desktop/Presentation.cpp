@@ -130,13 +130,12 @@ void Presentation::presentNow(const std::weak_ptr<ViewController>& from, const C
         return log("Nothing is presented from a controller that is not on the screen");
 
     if (!window_) openWindow();
-    // Above all that is there: what the presenter presents already stays under it.
-    const bool presentsAlready = presentedBy(*presenter) != nullptr;
-    stack_.push_back({controller, presentsAlready ? stack_.back().controller : presenter});
+    // Above all that is there, and yet the presenter's own: it stays when what lies under it goes.
+    stack_.push_back({controller, presenter});
     const auto closed = closed_;
     show(controller, animated);
     if (closed != closed_) return;
-    begin({.first = stack_.size() - 1,
+    begin({.moving = {controller},
            .up = true,
            .animated = animated,
            .start = {},
@@ -157,9 +156,9 @@ void Presentation::show(const Controller& controller, bool animated) {
 void Presentation::dismissNow(const std::weak_ptr<ViewController>& from, bool animated,
                               Completion completion) {
     const auto controller = from.lock();
-    const auto first = controller ? toDismiss(controller) : std::nullopt;
-    if (!first) return;
-    begin({.first = *first,
+    auto moving = controller ? toDismiss(controller) : std::vector<Controller>();
+    if (moving.empty()) return;
+    begin({.moving = std::move(moving),
            .up = false,
            .animated = animated,
            .start = {},
@@ -179,14 +178,27 @@ std::optional<std::size_t> Presentation::indexOf(const ViewController& controlle
     return static_cast<std::size_t>(found - stack_.begin());
 }
 
-std::optional<std::size_t> Presentation::toDismiss(const Controller& from) const {
+std::vector<Presentation::Controller> Presentation::toDismiss(const Controller& from) const {
     for (auto one = from; one; one = one->parentViewController()) {
-        if (const auto presented = presentedBy(*one)) return indexOf(*presented);
+        if (presentedBy(*one)) return withPresented({}, *one);
     }
     for (auto one = from; one; one = one->parentViewController()) {
-        if (const auto index = indexOf(*one)) return index;
+        if (indexOf(*one)) return withPresented({one}, *one);
     }
-    return std::nullopt;
+    return {};
+}
+
+std::vector<Presentation::Controller> Presentation::withPresented(std::vector<Controller> found,
+                                                                  const ViewController& presenter) const {
+    const auto has = [&](const ViewController* controller) {
+        return std::any_of(found.begin(), found.end(),
+                           [&](const Controller& one) { return one.get() == controller; });
+    };
+    for (const auto& entry : stack_) {
+        if (entry.presenter.get() == &presenter || has(topAncestor(entry.presenter)))
+            found.push_back(entry.controller);
+    }
+    return found;
 }
 
 Presentation::Controller Presentation::presenterOf(const ViewController& controller) const {
@@ -255,12 +267,15 @@ void Presentation::layOut() {
 void Presentation::begin(Motion motion) {
     motion.start = Clock::current()->now();
     motion_ = std::move(motion);
-    const auto generation = ++generation_;
-    const auto next = [generation] {
-        auto& self = instance();
-        if (self.generation_ == generation) self.step();
-    };
-    motion_->animated ? MainQueue::after(kStep, next) : MainQueue::async(next);
+    const auto next = [generation = ++generation_] { instance().stepIfStill(generation); };
+    if (motion_->animated)
+        MainQueue::after(kStep, next);
+    else
+        MainQueue::async(next);
+}
+
+void Presentation::stepIfStill(unsigned generation) {
+    if (generation_ == generation) step();
 }
 
 void Presentation::step() {
@@ -270,42 +285,40 @@ void Presentation::step() {
     if (!motion_->animated || part < 0.0 || part >= 1.0) return end();
     const double shown = motion_->up ? eased(part) : 1.0 - eased(part);
     place(shown);
-    MainQueue::after(kStep, [generation = generation_] {
-        auto& self = instance();
-        if (self.generation_ == generation) self.step();
-    });
+    MainQueue::after(kStep, [generation = generation_] { instance().stepIfStill(generation); });
 }
 
 void Presentation::place(double shown) {
     const int below = static_cast<int>(std::lround((1.0 - shown) * window_->height()));
-    for (auto index = motion_->first; index < stack_.size(); ++index)
-        stack_[index].controller->view()->move(0, below);
+    for (const auto& controller : motion_->moving) controller->view()->move(0, below);
 }
 
 void Presentation::end() {
-    const auto motion = *std::exchange(motion_, std::nullopt);
+    // What goes is held until everybody was told.
+    auto motion = *std::exchange(motion_, std::nullopt);
     const auto closed = closed_;
-    // Held until everybody was told.
-    std::vector<Entry> gone;
     Controller appears;
     if (motion.up) {
         appears = stack_.back().controller;
         appears->view()->move(0, 0);
     } else {
-        gone.assign(std::make_move_iterator(stack_.begin() + static_cast<std::ptrdiff_t>(motion.first)),
-                    std::make_move_iterator(stack_.end()));
-        stack_.resize(motion.first);
-        for (const auto& entry : gone) {
-            entry.controller->view()->hide();
-            entry.controller->view()->setParent(nullptr);
-        }
-        if (!stack_.empty()) appears = stack_.back().controller;
+        appears = takeAway(motion.moving);
     }
     if (stack_.empty()) window_.reset();
     if (appears) callOut("a view controller", [&] { appears->viewDidAppear(motion.animated); });
     if (closed == closed_ && motion.completion) callOut("a presentation's completion", motion.completion);
-    while (!gone.empty()) gone.pop_back();
+    while (!motion.moving.empty()) motion.moving.pop_back();
     runWaiting();
+}
+
+Presentation::Controller Presentation::takeAway(const std::vector<Controller>& gone) {
+    const auto top = stack_.back().controller;
+    for (const auto& controller : gone) {
+        std::erase_if(stack_, [&](const Entry& entry) { return entry.controller == controller; });
+        controller->view()->hide();
+        controller->view()->setParent(nullptr);
+    }
+    return !stack_.empty() && stack_.back().controller != top ? stack_.back().controller : nullptr;
 }
 
 }  // namespace velmora::platform

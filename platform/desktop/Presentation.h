@@ -58,8 +58,8 @@ private:
     };
 
     struct Motion {
-        /// What moves: the view of the first one from here to the top.
-        std::size_t first;
+        /// What moves, from the bottom to the top.
+        std::vector<Controller> moving;
         bool up;
         bool animated;
         std::chrono::system_clock::time_point start;
@@ -81,17 +81,23 @@ private:
                     Completion completion);
     void dismissNow(const std::weak_ptr<ViewController>& from, bool animated, Completion completion);
     [[nodiscard]] bool isOnScreen(const Controller& controller) const;
-    /// Where the controller that this one, or the nearest of its ancestors, presents stands in the stack; or
-    /// else where it stands itself.
-    [[nodiscard]] std::optional<std::size_t> toDismiss(const Controller& from) const;
+    /// What this controller, or the nearest of its ancestors, presents, or else the one itself; each with all
+    /// that was presented from there.
+    [[nodiscard]] std::vector<Controller> toDismiss(const Controller& from) const;
+    /// `found`, with what `presenter` presents and what is presented from any of them.
+    [[nodiscard]] std::vector<Controller> withPresented(std::vector<Controller> found,
+                                                        const ViewController& presenter) const;
     [[nodiscard]] std::optional<std::size_t> indexOf(const ViewController& controller) const;
     void openWindow();
     void show(const Controller& controller, bool animated);
 
     void begin(Motion motion);
+    void stepIfStill(unsigned generation);
     void step();
     void end();
     void place(double shown);
+    /// Takes what has moved away out of the stack; who is uncovered by that, if anybody.
+    Controller takeAway(const std::vector<Controller>& gone);
 
     std::unique_ptr<Window> window_;
     std::vector<Entry> stack_;

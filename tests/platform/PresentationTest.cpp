@@ -75,6 +75,35 @@ TEST_F(Screens, DismissingFromTheMiddleTakesAllAboveWithIt) {
     EXPECT_EQ(root()->presentedViewController(), stack[0]);
 }
 
+TEST_F(Screens, WhatSomebodyElsePresentedOverOneThatGoesStays) {
+    const auto inside = screen("inside");
+    const auto navigation = std::make_shared<NavigationController>(inside);
+    const auto page = screen("page");
+    const auto over = screen("over");
+    root()->presentViewController(navigation, false, note("1"));
+    inside->presentViewController(page, false, note("2"));
+    root()->presentViewController(over, false, note("3"));
+    over->presentViewController(screen("top"), false, note("4"));
+    ASSERT_TRUE(heard("4"));
+    EXPECT_EQ(over->presentingViewController(), root());
+    events_.clear();
+    navigation->dismissViewControllerAnimated(true, note("gone"));
+    EXPECT_TRUE(heard("gone"));
+    EXPECT_THAT(events_, ElementsAre("gone")) << "what is on top has been there all the time";
+    EXPECT_EQ(page->presentingViewController(), nullptr);
+    EXPECT_FALSE(page->view()->isVisible());
+    EXPECT_EQ(root()->presentedViewController(), over);
+    EXPECT_TRUE(over->view()->isVisible());
+
+    // All that one presents goes by it, in whatever order it lies there.
+    root()->presentViewController(page, false, note("beside"));
+    ASSERT_TRUE(heard("beside"));
+    root()->dismissViewControllerAnimated(true, note("all gone"));
+    EXPECT_TRUE(heard("all gone"));
+    EXPECT_EQ(page->presentingViewController(), nullptr);
+    EXPECT_EQ(over->presentingViewController(), nullptr);
+}
+
 TEST_F(Screens, APresenterOutlivesItsWindowForAsLongAsItPresents) {
     const auto one = screen("a");
     {
