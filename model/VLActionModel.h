@@ -2,13 +2,19 @@
 
 #include "model/VLSerializedModel.h"
 
+#include <cstdint>
+
 namespace velmora {
+
+/// What can follow a video.
+enum class VLActionType : std::int64_t {
+    page = 1,
+};
 
 /// What follows a video ad: the page that opens when the player has gone.
 class VLActionModel final : public VLSerializedModel {
 public:
-    Property
-        actionType;  ///< JSON key "type"; 1 is the one that can follow a video; a missing entry reads as 0
+    Property actionType;  ///< a `VLActionType`, JSON key "type"; a missing entry reads as 0
     Property actionUrl;
 
 private:

@@ -122,7 +122,7 @@ void VLAVPlayerViewController::viewDidLayoutSubviews() {
     } else {
         exitButton()->raise();
     }
-    if (platform::asInteger(creativeType) == 1) skipButton()->hide();
+    if (platform::equals(creativeType, VLCreativeType::rewardedVideo)) skipButton()->hide();
     progressView()->raise();
     progressLabel()->raise();
     muteButton()->raise();
