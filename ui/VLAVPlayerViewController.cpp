@@ -111,6 +111,7 @@ void VLAVPlayerViewController::viewDidAppear(bool animated) {
         });
     }
     showMuted(player && player->isMuted());
+    if (!urlString && !videoFilePath) couldNotLoad();
 }
 
 void VLAVPlayerViewController::playerStatusDidChange(Player& changed) {

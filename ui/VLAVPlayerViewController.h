@@ -79,7 +79,7 @@ public:
     [[nodiscard]] ImageButton* skipButton();
 
     std::optional<std::string> urlString;      ///< goes before the file
-    std::optional<std::string> videoFilePath;  ///< played when there is no URL
+    std::optional<std::string> videoFilePath;  ///< when there is no URL; without both it fails
     std::weak_ptr<VLAVPlayerViewControllerDelegate> delegate;
     std::shared_ptr<VLAdShowOptions> adShowOptions;
     platform::Property creativeType;

@@ -16,7 +16,8 @@ public:
     virtual void
     vlAVPlayerViewControllerDidReachEndOfVideoWithUrl(VLAVPlayerViewController& /*controller*/,
                                                       const std::optional<std::string>& /*url*/) {}
-    /// The player failed. It may come once for each time that the screen has appeared, and once more.
+    /// The player failed, or there is nothing to play. It may come once for each time that the screen has
+    /// appeared, and once more.
     virtual void vlAVPlayerViewControllerCouldNotLoadVideoWithUrl(VLAVPlayerViewController& /*controller*/,
                                                                   const std::optional<std::string>& /*url*/) {
     }
