@@ -24,21 +24,20 @@ namespace {
 
 namespace Mask = platform::InterfaceOrientationMask;
 
-constexpr std::int64_t kCached = 1;
-constexpr std::int64_t kStreamed = 2;
-constexpr std::int64_t kBanner = 2;
-constexpr std::int64_t kActionPage = 1;
 /// What is recorded of a video whose length is not known.
 constexpr std::int64_t kSecondsOfUnknownVideo = 30;
 
 struct Orientation {
-    std::int64_t option;
+    VLOrientation option;
     std::uint32_t mask;
 };
 
 constexpr std::array kOrientations{
-    Orientation{1, Mask::portrait},      Orientation{2, Mask::landscapeRight},     Orientation{3, Mask::all},
-    Orientation{4, Mask::landscapeLeft}, Orientation{5, Mask::portraitUpsideDown},
+    Orientation{VLOrientation::portrait, Mask::portrait},
+    Orientation{VLOrientation::landscapeLeft, Mask::landscapeRight},
+    Orientation{VLOrientation::any, Mask::all},
+    Orientation{VLOrientation::landscapeRight, Mask::landscapeLeft},
+    Orientation{VLOrientation::portraitUpsideDown, Mask::portraitUpsideDown},
 };
 
 /// What an ad is presented from: of the containers at the root, what they hold.
@@ -101,11 +100,12 @@ void VLAdShowUIController::startShowingVideoAsReplay(bool replay) {
 }
 
 void VLAdShowUIController::chooseSource() {
+    // A player that gets none of them says that it could not load.
     const auto cacheType = requestOptions->getCacheTypeNumber();
-    if (cacheType == kStreamed && creative()) {
+    if (cacheType == VLCacheType::streamed && creative()) {
         videoPathOrUrl = platform::asString(creative()->ctaUrl);
         videoView->setUrlString(videoPathOrUrl);
-    } else if (cacheType == kCached && tAd) {
+    } else if (cacheType == VLCacheType::cached && tAd) {
         videoPathOrUrl = tAd->getVideoFilePath();
         videoView->setVideoFilePath(videoPathOrUrl);
     }
@@ -125,7 +125,7 @@ void VLAdShowUIController::showActionWebView() {
 }
 
 bool VLAdShowUIController::isActionWebView() const {
-    return action() && platform::equals(action()->actionType, kActionPage);
+    return action() && platform::equals(action()->actionType, VLActionType::page);
 }
 
 void VLAdShowUIController::finishController() {
@@ -139,13 +139,13 @@ void VLAdShowUIController::finishController() {
     }
     // A banner never comes here, and a video that was told of at its end is told of again.
     if (!platform::asBool(isResultReturned) && tAd && tAd->isVideoAd()) tellManager(isCompletedOrShownOnce());
-    dismissFromPresenter();
+    dismissAll();
 }
 
 std::uint32_t VLAdShowUIController::supportedInterfaceOrientations() const {
     const auto option = showOptions ? showOptions->state().mOrientation.get() : std::nullopt;
     for (const auto& one : kOrientations) {
-        if (option == one.option) return one.mask;
+        if (option && *option == one.option) return one.mask;
     }
     return Mask::all;
 }
@@ -155,7 +155,7 @@ void VLAdShowUIController::vlWebViewControllerWasDismissed() { VLLog("web view d
 void VLAdShowUIController::vlWebViewBridgeClose() { finishController(); }
 
 void VLAdShowUIController::vlWebViewBridgeDismiss() {
-    const bool isBanner = creative() && platform::equals(creative()->ctaType, kBanner);
+    const bool isBanner = creative() && platform::equals(creative()->ctaType, VLCreativeType::banner);
     if (!platform::asBool(adDoneRecorded) && isBanner) onAdWasDone();
     finishController();
 }
@@ -192,21 +192,22 @@ void VLAdShowUIController::vlAVPlayerViewControllerDidReachEndOfVideoWithUrl(
 
 void VLAdShowUIController::vlAVPlayerViewControllerCouldNotLoadVideoWithUrl(
     VLAVPlayerViewController& controller, const std::optional<std::string>&) {
+    couldNotLoad_ = true;
     if (!platform::asBool(isResultReturned)) {
         isResultReturned = true;
         // A video that never had a length counts as completed.
         const bool hasLength = platform::asDouble(controller.getVideoDuration()) > 0;
-        tellManager(hasLength ? isCompletedOrShownOnce() : true);
+        tellManager(!hasLength || isCompletedOrShownOnce());
     }
     if (platform::asBool(isStateUpdated)) {
         isStateUpdated = false;
         saveFinalStates();
     }
-    dismissFromPresenter();
+    dismissAll();
 }
 
 void VLAdShowUIController::vlOnAVPlayerDismissed(bool finished) {
-    if (finished) return isActionWebView() ? showActionWebView() : finishWithoutPage();
+    if (finished) return followVideo();
     if (!showOptions || !showOptions->getShowDialoged()) finishController();
 }
 
@@ -241,13 +242,14 @@ void VLAdShowUIController::tellManager(bool completed) const {
     VelmoraManager::onAdShowFinished(tAd, completed);
 }
 
-void VLAdShowUIController::dismissFromPresenter() {
-    if (const auto from = presentingViewController()) return from->dismissViewControllerAnimated(true);
-    // It waits for its turn to be presented: this waits behind it.
+void VLAdShowUIController::dismissAll() {
+    // By what holds this show and nothing else: the root may present the next one by the time that this has
+    // its turn. One that still waits to be presented is dismissed right after it.
     if (const auto navigation = parentViewController()) navigation->dismissViewControllerAnimated(true);
 }
 
-void VLAdShowUIController::finishWithoutPage() {
+void VLAdShowUIController::followVideo() {
+    if (isActionWebView()) return showActionWebView();
     VLLog("Operation not supported in this version, closing view controller.");
     finishController();
 }

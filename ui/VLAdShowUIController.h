@@ -5,9 +5,12 @@
 #include "ui/VLAVPlayerViewControllerDelegate.h"
 #include "ui/VLWebViewController.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+
+#include <QPointer>
 
 namespace velmora {
 
@@ -16,6 +19,7 @@ class VLAdRequestOptions;
 class VLAdShowOptions;
 class VLAdSuggestion;
 class VLAVPlayerViewController;
+class VLActivityIndicatorView;
 class VLDirectCreativeModel;
 class VLFinalStatesModel;
 class VLVastTrackingData;
@@ -68,21 +72,39 @@ public:
     void vlOnVideoMuted() override;
     void vlOnVideoUnmuted() override;
 
-    /// The record of an ad that is over: what was seen of it, and that the suggestion is done.
+    /// The record of an ad that is over: what was seen of it, and that the suggestion is done. None is made
+    /// of a video that could not be loaded.
     void onAdWasDone();
     void updateSuggestionState();
-    /// Those of the store, once they have been loaded.
+    /// Those of the store, as they were when they were loaded or last changed from here.
     [[nodiscard]] std::shared_ptr<VLFinalStatesModel> getFinalStates();
-    void saveFinalStates() const;
+    /// Puts what has passed of the ad into the store, where its list still has this suggestion.
+    void saveFinalStates();
+
+    /// Calls each URL of a list of trackers, in its order. One for each event, by its name.
+    using VastReports = void(const Property& urls);
+    static VastReports sendVastReports;
+    static constexpr VastReports* sendStartVastReports = sendVastReports;
+    static constexpr VastReports* sendFirstQuartileVastReports = sendVastReports;
+    static constexpr VastReports* sendMidPointVastReports = sendVastReports;
+    static constexpr VastReports* sendThirdQuartileVastReports = sendVastReports;
+    static constexpr VastReports* sendCompleteVastReports = sendVastReports;
+    static constexpr VastReports* sendSkipVastReports = sendVastReports;
+    static constexpr VastReports* sendMutedVastReports = sendVastReports;
+    static constexpr VastReports* sendUnmutedVastReports = sendVastReports;
+    /// Calls the one tracker of an offset.
+    static void sendProgressVastReports(const Property& url);
 
     std::shared_ptr<VelmoraAd> tAd;
     std::shared_ptr<VLAdSuggestion> ad;
     std::shared_ptr<VLAdShowOptions> showOptions;
     std::shared_ptr<VLAdRequestOptions> requestOptions;
+    QPointer<VLActivityIndicatorView> spinner;  ///< the player brings its own: nothing here makes this one
     std::shared_ptr<VLWebViewController> webView;
     std::shared_ptr<VLAVPlayerViewController> videoView;
     std::optional<std::string> videoPathOrUrl;
     std::shared_ptr<VLFinalStatesModel> finalStates;
+    Property videoDuration;  ///< the player's own counts: nothing here sets or reads this one
     Property doneSeconds;
     Property donePercentage;
     Property isResultReturned;
@@ -101,26 +123,19 @@ private:
     [[nodiscard]] bool isCompletedOrShownOnce() const;
     void chooseSource();
     void tellManager(bool completed) const;
-    void dismissFromPresenter();
-    void finishWithoutPage();
+    void dismissAll();
+    void followVideo();
 
-    void sendDueQuartiles(VLVastTrackingData& data, float progress);
     void sendDueOffsets(VLVastTrackingData& data, float progress, float currentTime);
-    void updatePassedDuration();
     void setPassedDuration(const std::string& text);
+    void changeFinalStates(const std::function<void(VLFinalStatesModel&)>& change);
     void recordVideo();
     void recordPage();
     void addDoneSuggestion() const;
 
-    static void sendStartVastReports(const Property& urls);
-    static void sendFirstQuartileVastReports(const Property& urls);
-    static void sendMidPointVastReports(const Property& urls);
-    static void sendThirdQuartileVastReports(const Property& urls);
-    static void sendCompleteVastReports(const Property& urls);
-    static void sendSkipVastReports(const Property& urls);
-    static void sendMutedVastReports(const Property& urls);
-    static void sendUnmutedVastReports(const Property& urls);
-    static void sendProgressVastReports(const Property& url);
+    /// Of what was seen, for the final state; absent before the first word of it.
+    std::optional<std::string> passedDuration_;
+    bool couldNotLoad_ = false;
 };
 
 }  // namespace velmora

@@ -23,19 +23,51 @@ namespace velmora {
 
 namespace {
 
-constexpr std::int64_t kBanner = 2;
 constexpr std::int64_t kSecondsOfPage = 30;
 constexpr std::int64_t kMostSecondsOfPage = 100;
 constexpr const char* kPassedDuration = "passedDuration";
 
-using Flag = AtomicProperty<Property>;
+using Data = VLVastTrackingData;
+using Show = VLAdShowUIController;
 
-/// Sends an event's trackers unless they were sent, or there are none.
-template <class Send>
-void sendOnce(const Property& urls, Flag& reported, const Send& send) {
-    if (!urls || platform::asBool(reported.get())) return;
-    send(urls);
-    reported.set(Property(true));
+/// What is sent when something happens.
+struct Event {
+    Show::VastReports* send;
+    const Property& (Data::*trackers)() const;
+    AtomicProperty<Property> Data::*isReported = nullptr;  ///< null for what is sent every time
+    bool countsWithoutTrackers = false;                    ///< reported even though there is no list
+};
+
+/// What ticks send, in this order, and from which fraction of the video on.
+constexpr struct {
+    std::optional<float> from;  ///< absent for the first tick, wherever it is
+    Event event;
+} kOfTicks[] = {
+    {std::nullopt, {Show::sendStartVastReports, &Data::getStartTrackerUrls, &Data::isStartTrackerReported}},
+    {0.25F,
+     {Show::sendFirstQuartileVastReports, &Data::getFirstQuartileTrackerUrls,
+      &Data::isFirstQuartileTrackerReported}},
+    {0.5F, {Show::sendMidPointVastReports, &Data::getMidpointTrackerUrls, &Data::isMidpointReported}},
+    {0.75F,
+     {Show::sendThirdQuartileVastReports, &Data::getThirdQuartileTrackerUrls,
+      &Data::isThirdQuartileTrackerReported}},
+};
+
+constexpr Event kComplete{Show::sendCompleteVastReports, &Data::getCompleteTrackerUrls,
+                          &Data::isCompleteTrackerReported, true};
+constexpr Event kSkip{Show::sendSkipVastReports, &Data::getSkipTrackerUrls, &Data::isSkipTrackerReported,
+                      true};
+constexpr Event kMute{Show::sendMutedVastReports, &Data::getMuteTrackerUrls};
+constexpr Event kUnmute{Show::sendUnmutedVastReports, &Data::getUnmuteTrackerUrls};
+
+void report(const std::shared_ptr<Data>& data, const Event& event) {
+    if (!data) return;
+    const auto& trackers = ((*data).*event.trackers)();
+    if (event.isReported == nullptr) return event.send(trackers);
+    auto& isReported = (*data).*event.isReported;
+    if (platform::asBool(isReported.get()) || (!trackers && !event.countsWithoutTrackers)) return;
+    event.send(trackers);
+    isReported.set(Property(true));
 }
 
 void sendReport(const platform::Value& url) {
@@ -44,22 +76,13 @@ void sendReport(const platform::Value& url) {
             *text, [](const auto&) {}, [](const VLClientError&) {});
 }
 
-void sendReports(const Property& urls) {
+}  // namespace
+
+void VLAdShowUIController::sendVastReports(const Property& urls) {
     const auto* list = urls ? urls->if_array() : nullptr;
     if (list == nullptr) return;
     for (const auto& url : *list) sendReport(url);
 }
-
-}  // namespace
-
-void VLAdShowUIController::sendStartVastReports(const Property& urls) { sendReports(urls); }
-void VLAdShowUIController::sendFirstQuartileVastReports(const Property& urls) { sendReports(urls); }
-void VLAdShowUIController::sendMidPointVastReports(const Property& urls) { sendReports(urls); }
-void VLAdShowUIController::sendThirdQuartileVastReports(const Property& urls) { sendReports(urls); }
-void VLAdShowUIController::sendCompleteVastReports(const Property& urls) { sendReports(urls); }
-void VLAdShowUIController::sendSkipVastReports(const Property& urls) { sendReports(urls); }
-void VLAdShowUIController::sendMutedVastReports(const Property& urls) { sendReports(urls); }
-void VLAdShowUIController::sendUnmutedVastReports(const Property& urls) { sendReports(urls); }
 
 void VLAdShowUIController::sendProgressVastReports(const Property& url) {
     if (url) sendReport(*url);
@@ -67,8 +90,8 @@ void VLAdShowUIController::sendProgressVastReports(const Property& url) {
 
 void VLAdShowUIController::updateSuggestionState() {
     if (!ad || !ad->suggestionId) return;
-    getFinalStates()->updateDoingSuggestion(ad->getSuggestionId());
-    saveFinalStates();
+    changeFinalStates(
+        [id = ad->getSuggestionId()](VLFinalStatesModel& states) { states.updateDoingSuggestion(id); });
 }
 
 std::shared_ptr<VLFinalStatesModel> VLAdShowUIController::getFinalStates() {
@@ -76,39 +99,47 @@ std::shared_ptr<VLFinalStatesModel> VLAdShowUIController::getFinalStates() {
     return finalStates;
 }
 
-void VLAdShowUIController::saveFinalStates() const {
-    if (finalStates) VLDefaults::setFinalStates(finalStates);
+void VLAdShowUIController::saveFinalStates() {
+    if (!ad || !passedDuration_) return;
+    changeFinalStates([&](VLFinalStatesModel& states) {
+        states.updateSuggestionExtraInfo(ad->getSuggestionId(), kPassedDuration, Property(*passedDuration_));
+    });
+}
+
+void VLAdShowUIController::changeFinalStates(const std::function<void(VLFinalStatesModel&)>& change) {
+    // In the store itself: an answer may have brought another list since the show began.
+    VLDefaults::changeFinalStates([&](VLFinalStatesModel& stored) {
+        change(stored);
+        finalStates = std::make_shared<VLFinalStatesModel>();
+        finalStates->setStates(stored.getStates());
+    });
+}
+
+void VLAdShowUIController::setPassedDuration(const std::string& text) {
+    passedDuration_ = text;
+    saveFinalStates();
 }
 
 void VLAdShowUIController::vlOnProgressUpdated(float progress, float currentTime) {
     if (const auto data = trackingData()) {
-        sendDueQuartiles(*data, progress);
+        for (const auto& [from, event] : kOfTicks) {
+            if (!from || progress >= *from) report(data, event);
+        }
         sendDueOffsets(*data, progress, currentTime);
     }
     if (platform::asBool(isVideoShownOnce) || !ad) return;
     doneSeconds = videoView ? videoView->getVideoDuration() : std::nullopt;
     donePercentage = platform::saturated(progress);
     isStateUpdated = true;
-    updatePassedDuration();
+    setPassedDuration(platform::formatted(donePercentage));
 
     const auto skip = creative() ? creative()->skipStartPercentage : nullptr;
-    if (!skip || !skip->skipStartPercentage || !platform::equals(creative()->ctaType, kBanner)) return;
+    if (!skip || !skip->skipStartPercentage || !platform::equals(creative()->ctaType, VLCreativeType::banner))
+        return;
     // The answer of the player's is the opposite of its name.
     if (videoView && !videoView->isSkipButtonVisible() &&
         progress > static_cast<float>(platform::asDouble(skip->skipStartPercentage)))
         videoView->setSkipButtonVisible(false);
-}
-
-void VLAdShowUIController::sendDueQuartiles(VLVastTrackingData& data, float progress) {
-    sendOnce(data.getStartTrackerUrls(), data.isStartTrackerReported, sendStartVastReports);
-    if (progress >= 0.25F)
-        sendOnce(data.getFirstQuartileTrackerUrls(), data.isFirstQuartileTrackerReported,
-                 sendFirstQuartileVastReports);
-    if (progress >= 0.5F)
-        sendOnce(data.getMidpointTrackerUrls(), data.isMidpointReported, sendMidPointVastReports);
-    if (progress >= 0.75F)
-        sendOnce(data.getThirdQuartileTrackerUrls(), data.isThirdQuartileTrackerReported,
-                 sendThirdQuartileVastReports);
 }
 
 void VLAdShowUIController::sendDueOffsets(VLVastTrackingData& data, float progress, float currentTime) {
@@ -128,14 +159,6 @@ void VLAdShowUIController::sendDueOffsets(VLVastTrackingData& data, float progre
     if (toCome.size() != entries->size()) data.progressTrackingUrls.set(makeList(std::move(toCome)));
 }
 
-void VLAdShowUIController::updatePassedDuration() { setPassedDuration(platform::formatted(donePercentage)); }
-
-void VLAdShowUIController::setPassedDuration(const std::string& text) {
-    getFinalStates()->updateSuggestionExtraInfo(ad ? ad->getSuggestionId() : std::nullopt, kPassedDuration,
-                                                Property(text));
-    saveFinalStates();
-}
-
 void VLAdShowUIController::vlOnVideoSkipped() {
     platform::log("vl on video skipped");
     if (videoView && videoView->isVideoPlaying()) {
@@ -146,30 +169,26 @@ void VLAdShowUIController::vlOnVideoSkipped() {
     if (videoView) {
         videoView->dismissViewControllerAnimated(true, [controller = self()] {
             platform::log("remove video view completion");
-            controller->isActionWebView() ? controller->showActionWebView() : controller->finishWithoutPage();
+            controller->followVideo();
         });
     }
-    if (const auto data = trackingData()) {
-        if (platform::asBool(data->isSkipTrackerReported.get())) return;
-        sendSkipVastReports(data->getSkipTrackerUrls());
-        data->isSkipTrackerReported.set(Property(true));
-    }
+    report(trackingData(), kSkip);
 }
 
-void VLAdShowUIController::vlOnVideoMuted() {
-    if (const auto data = trackingData()) sendMutedVastReports(data->getMuteTrackerUrls());
-}
+void VLAdShowUIController::vlOnVideoMuted() { report(trackingData(), kMute); }
 
-void VLAdShowUIController::vlOnVideoUnmuted() {
-    if (const auto data = trackingData()) sendUnmutedVastReports(data->getUnmuteTrackerUrls());
-}
+void VLAdShowUIController::vlOnVideoUnmuted() { report(trackingData(), kUnmute); }
 
 void VLAdShowUIController::onAdWasDone() {
+    // Whoever asks, and whenever: what the dismissal of the player leads to may come before that of the show.
+    if (couldNotLoad_) return;
     adDoneRecorded = true;
-    if (creative() && creative()->ctaType) {
-        const bool isVideo =
-            platform::equals(creative()->ctaType, 1) || platform::equals(creative()->ctaType, 3);
-        isVideo ? recordVideo() : recordPage();
+    if (const auto type = creative() ? creative()->ctaType : std::nullopt) {
+        if (platform::equals(type, VLCreativeType::video) ||
+            platform::equals(type, VLCreativeType::rewardedVideo))
+            recordVideo();
+        else
+            recordPage();
     }
     addDoneSuggestion();
     if (ad) ad->reportAdIsDoneWithFinalStates(getFinalStates());
@@ -182,10 +201,7 @@ void VLAdShowUIController::recordVideo() {
         donePercentage = 100;
         setPassedDuration("100");
     }
-    const auto data = trackingData();
-    if (!data || platform::asBool(data->isCompleteTrackerReported.get())) return;
-    sendCompleteVastReports(data->getCompleteTrackerUrls());
-    data->isCompleteTrackerReported.set(Property(true));
+    report(trackingData(), kComplete);
 }
 
 void VLAdShowUIController::recordPage() {
@@ -193,7 +209,7 @@ void VLAdShowUIController::recordPage() {
     doneSeconds =
         webViewStartTime ? std::min(platform::nowInMilliseconds(), kMostSecondsOfPage) : kSecondsOfPage;
     donePercentage = 100;
-    updatePassedDuration();
+    setPassedDuration(platform::formatted(donePercentage));
 }
 
 void VLAdShowUIController::addDoneSuggestion() const {
