@@ -46,6 +46,7 @@ target_link_libraries(video PRIVATE velmora_sandbox Qt6::Multimedia OpenSSL::SSL
 
 velmora_add_gui_tests(show
     ui/AdShowControllerTest.cpp
+    ui/AdShowEndsTest.cpp
     support/ScriptedPage.cpp
     support/ScriptedPlayer.cpp
     support/ScriptedServer.cpp)

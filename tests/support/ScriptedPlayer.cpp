@@ -4,8 +4,6 @@
 #include <sstream>
 #include <utility>
 
-#include <QWidget>
-
 namespace velmora::test {
 
 using platform::Player;
@@ -70,7 +68,10 @@ void ScriptedPlayer::seek(double seconds, SeekCompletion completion) {
     seeks_.push_back(std::move(completion));
 }
 
-QWidget* ScriptedPlayer::makeLayer(QWidget* parent) { return std::make_unique<QWidget>(parent).release(); }
+QWidget* ScriptedPlayer::makeLayer(QWidget* parent) {
+    layer = std::make_unique<QWidget>(parent).release();
+    return layer;
+}
 
 int ScriptedPlayer::count(const std::string& call) const {
     return static_cast<int>(std::count(calls.begin(), calls.end(), call));

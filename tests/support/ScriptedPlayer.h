@@ -7,6 +7,9 @@
 #include <string>
 #include <vector>
 
+#include <QPointer>
+#include <QWidget>
+
 namespace velmora::test {
 
 /// A player that plays nothing: it writes down what it is told, and what happens to it is the test's word.
@@ -42,6 +45,7 @@ public:
     const std::string source;  ///< "url ..." or "file ..."
     double length = std::numeric_limits<double>::quiet_NaN();
     std::vector<std::string> calls;
+    QPointer<QWidget> layer;  ///< the last one that was made
 
 private:
     platform::PlayerStatus status_ = platform::PlayerStatus::unknown;

@@ -74,7 +74,7 @@ struct ScriptedServer::Shared {
     bool ending = false;
 
     template <class Stream>
-    void serve(Stream& stream) {
+    void serve(Stream& stream, int connection) {
         std::string buffer;
         for (;;) {
             Error error;
@@ -92,6 +92,7 @@ struct ScriptedServer::Shared {
             }
             request.body = buffer.substr(0, length);
             buffer.erase(0, length);
+            request.connection = connection;
             {
                 const std::lock_guard lock(mutex);
                 seen.push_back(request);
@@ -108,22 +109,21 @@ struct ScriptedServer::Shared {
         }
     }
 
-    void serveConnection(Tcp::socket socket) {
+    void serveConnection(Tcp::socket socket, int number) {
         std::list<Tcp::socket*>::iterator place;
         {
             const std::lock_guard lock(mutex);
             if (ending) return;
             place = open.insert(open.end(), &socket);
-            ++connections;
             mostConnections = std::max(mostConnections, static_cast<int>(open.size()));
         }
         if (secure) {
             asio::ssl::stream<Tcp::socket&> stream(socket, tls);
             Error error;
             stream.handshake(asio::ssl::stream_base::server, error);
-            if (!error) serve(stream);
+            if (!error) serve(stream, number);
         } else {
-            serve(socket);
+            serve(socket, number);
         }
         const std::lock_guard lock(mutex);
         open.erase(place);
@@ -135,8 +135,9 @@ struct ScriptedServer::Shared {
             auto socket = acceptor.accept(error);
             const std::lock_guard lock(mutex);
             if (error || ending) return;
-            threads.emplace_back(
-                [this, moved = std::move(socket)]() mutable { serveConnection(std::move(moved)); });
+            threads.emplace_back([this, number = ++connections, moved = std::move(socket)]() mutable {
+                serveConnection(std::move(moved), number);
+            });
         }
     }
 };

@@ -1,356 +1,102 @@
 #include "ui/VLAdShowUIController.h"
 
 #include "core/VLLog.h"
-#include "core/VelmoraAdState.h"
-#include "model/VLAdSuggestion.h"
-#include "model/VLAdSuggestionFinalState.h"
-#include "model/VLCachedVelmoraAds.h"
-#include "model/VLDefaults.h"
 #include "model/VLDirectCreativeModel.h"
-#include "model/VLDoneAdSuggestion.h"
-#include "model/VLFinalStatesModel.h"
 #include "model/VLProgressTrackerModel.h"
 #include "model/VLVastTrackingData.h"
-#include "platform/Application.h"
-#include "platform/UserDefaults.h"
-#include "support/EventLoop.h"
 #include "support/LogCapture.h"
-#include "support/Records.h"
-#include "support/ScriptedPage.h"
-#include "support/ScriptedPlayer.h"
-#include "support/ScriptedServer.h"
+#include "support/Opener.h"
+#include "support/TemporaryDirectory.h"
+#include "ui/AdShow.h"
 #include "ui/CallToAction.h"
 #include "ui/ProgressOffset.h"
-#include "ui/VLAVPlayerViewController.h"
+#include "ui/VLActivityIndicatorView.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <limits>
-#include <thread>
 
-#include <QApplication>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <velmora/velmora.h>
 
 namespace velmora::test {
 
 namespace {
 
 using platform::Application;
-using platform::PlayerStatus;
+using platform::NavigationController;
+using platform::TabBarController;
+using platform::ViewController;
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::SizeIs;
 
-using Ends = std::vector<bool>;
-
-/// An application with a window, a scripted player and page behind the library, and a server for trackers.
-class AdShow : public testing::Test {
-protected:
-    AdShow() {
-        window_.show();
-        for (const char* key : {"finalstates", "cachedAds", "cachedDoneAdSuggestions"})
-            platform::UserDefaults::standard().removeObjectForKey(key);
-        Velmora::setAdShowFinishedCallback(
-            [this](const auto&, bool completed) { ends_.push_back(completed); });
-    }
-
-    ~AdShow() override {
-        Velmora::setAdShowFinishedCallback(nullptr);
-        for (auto* window : QApplication::topLevelWidgets()) window->close();
-        EXPECT_TRUE(runUntil([&] { return controller_.expired(); }));
-        EXPECT_TRUE(runUntil([&] { return players_.alive() == 0; }));
-        EXPECT_TRUE(std::all_of(pages_.made().begin(), pages_.made().end(),
-                                [](const auto& page) { return page->widget.isNull(); }));
-    }
-
-    std::string tracker(const std::string& event) { return "[\"" + server_.url("/" + event) + "\"]"; }
-
-    std::shared_ptr<VelmoraAd> makeAd(const std::string& creative, std::int64_t cacheType = 2) {
-        auto ad = std::make_shared<VelmoraAd>();
-        ad->state().setAd(read<VLAdSuggestion>(
-            R"({"suggestionId": "s", "callToActionId": "c", "creative": )" + creative + "}"));
-        auto options = std::make_shared<VLAdRequestOptions>();
-        options->setCacheType(cacheType);
-        ad->state().setAdRequestOptions(options);
-        auto states = std::make_shared<VLFinalStatesModel>();
-        states->setStates(makeList<VLAdSuggestionFinalState>(
-            {std::make_shared<VLAdSuggestionFinalState>(Property("s"), 2, Property(Dictionary()))}));
-        VLDefaults::setFinalStates(states);
-        VLDefaults::cacheNewAd(ad);
-        return ad;
-    }
-
-    std::shared_ptr<VelmoraAd> makeVideo(int type = 3, const std::string& more = "") {
-        return makeAd(R"({"ctaType": )" + std::to_string(type) + R"(, "ctaUrl": "http://127.0.0.1:1/v.mp4",
-            "action": {"type": 1, "actionUrl": "http://127.0.0.1:1/page"}, )" +
-                      more + R"("vastTrackingData": {"startTrackerUrls": )" + tracker("start") +
-                      R"(, "firstQuartileTrackerUrls": )" + tracker("first") +
-                      R"(, "midpointTrackerUrls": )" + tracker("mid") + R"(, "thirdQuartileTrackerUrls": )" +
-                      tracker("third") + R"(, "completeTrackerUrls": )" + tracker("complete") +
-                      R"(, "muteTrackerUrls": )" + tracker("mute") + R"(, "unmuteTrackerUrls": )" +
-                      tracker("unmute") + R"(, "skipTrackerUrls": )" + tracker("skip") + "}}");
-    }
-
-    /// Shows it, and returns when its player or its page is there.
-    std::shared_ptr<VLAdShowUIController> show(const std::shared_ptr<VelmoraAd>& ad,
-                                               const std::shared_ptr<VLAdShowOptions>& options = nullptr) {
-        // From any thread.
-        std::thread([&] { ad->showWithOptions(options); }).join();
-        std::shared_ptr<VLAdShowUIController> shown;
-        EXPECT_TRUE(runUntil([&] {
-            const auto presented = Application::rootViewController()->presentedViewController();
-            const auto navigation = std::dynamic_pointer_cast<platform::NavigationController>(presented);
-            if (navigation)
-                shown =
-                    std::dynamic_pointer_cast<VLAdShowUIController>(navigation->viewControllers().front());
-            return shown && shown->presentedViewController();
-        }));
-        controller_ = shown;
-        EXPECT_TRUE(runUntil([&] { return shown->presentedViewController()->view()->y() == 0; }));
-        return shown;
-    }
-
-    void play(double duration = 8) {
-        players_.last()->length = duration;
-        players_.last()->become(PlayerStatus::readyToPlay);
-        EXPECT_TRUE(runUntil([&] { return players_.last()->count("play") > 0; }));
-    }
-
-    bool isOver() {
-        return runUntil([&] { return controller_.expired(); });
-    }
-
-    bool shows(const std::shared_ptr<platform::ViewController>& which) {
-        const auto shown = controller_.lock();
-        return runUntil([&] { return which && shown->presentedViewController() == which; });
-    }
-
-    /// What the server was asked for, once nothing more comes.
-    std::vector<std::string> tracked(std::size_t count) {
-        EXPECT_TRUE(runUntil([&] { return server_.seen().size() >= count; }));
-        std::vector<std::string> targets;
-        for (const auto& request : server_.seen()) targets.push_back(request.target);
-        return targets;
-    }
-
-    static std::string passedDuration() {
-        const auto state = VLDefaults::getFinalStates()->getStates()->front();
-        return platform::writeJson(dictionaryOf(*state)).value();
-    }
-
-    QWidget window_;
-    UseScriptedPlayers players_;
-    ScriptedPages pages_;
-    Ends ends_;
-    std::weak_ptr<VLAdShowUIController> controller_;
-    ScriptedServer server_{[](const SeenRequest&) { return Script::answer(200, ""); }};
-};
-
-TEST_F(AdShow, AVideoPlayedToItsEndIsTrackedRecordedAndFollowedByItsPage) {
-    const auto ad = makeVideo();
-    {
-        const auto shown = show(ad);
-        EXPECT_EQ(players_.last()->source, "url http://127.0.0.1:1/v.mp4");
-        EXPECT_THAT(pages_.made().front()->loads, ElementsAre("http://127.0.0.1:1/page"));
-        EXPECT_THAT(passedDuration(), testing::HasSubstr(R"("state":3)"));
+TEST_F(AdShow, QuartilesGoWithTheTickThatReachesThemEachOnceAndInTheirOrder) {
+    const struct {
+        std::vector<double> ticks;
+        const char* trackers;
+    } kPlaybacks[] = {
+        {{0, 1.75, 2, 3.75, 4, 5.75, 6, 8}, "0:start 2:firstQuartile 4:midpoint 6:thirdQuartile"},
+        {{1.99, 3.99, 5.99, 7.99}, "1.99:start 3.99:firstQuartile 5.99:midpoint 7.99:thirdQuartile"},
+        {{6.4, 7.2}, "6.4:start+firstQuartile+midpoint+thirdQuartile"},
+        {{4, 2, 6.4}, "4:start+firstQuartile+midpoint 6.4:thirdQuartile"},
+    };
+    std::string before;
+    for (const auto& [ticks, expected] : kPlaybacks) {
+        show(video());
         play();
-        for (const double time : {0.0, 0.25, 2.0, 2.25, 4.0, 6.0, 8.0}) players_.last()->tick(time);
-        EXPECT_THAT(passedDuration(), testing::HasSubstr(R"("passedDuration":"1")"));
-        players_.last()->reachEnd();
-        EXPECT_EQ(ends_, Ends{true});
-        EXPECT_TRUE(shows(shown->webView));
-    }
-    EXPECT_THAT(tracked(5), testing::UnorderedElementsAre("/start", "/first", "/mid", "/third", "/complete"));
-    const auto done = VLDefaults::getDoneAdSuggestions();
-    ASSERT_THAT(*done, SizeIs(1));
-    EXPECT_EQ(
-        written(*done->front()),
-        valueOf(
-            R"({"suggestionId": "s", "callToActionId": "c", "donePercentage": 100, "doneSeconds": 8.0})"));
-    EXPECT_THAT(passedDuration(), testing::HasSubstr(R"("passedDuration":"100")"));
-    EXPECT_THAT(*VLDefaults::getCachedAds()->cachedVelmoraAds.get(), IsEmpty());
-
-    // The page closes: the manager is told once more.
-    EXPECT_FALSE(pages_.made().front()->navigate("velmora://close"));
-    EXPECT_TRUE(isOver());
-    EXPECT_EQ(ends_, (Ends{true, true}));
-    EXPECT_THAT(tracked(5), SizeIs(5));
-    EXPECT_EQ(Application::rootViewController()->presentedViewController(), nullptr);
-}
-
-TEST_F(AdShow, AReplayFromThePageTracksNothingAgain) {
-    const auto ad = makeVideo();
-    {
-        const auto shown = show(ad);
-        play();
-        players_.last()->tick(8);
-        players_.last()->reachEnd();
-        EXPECT_TRUE(shows(shown->webView));
-        EXPECT_TRUE(runUntil([&] { return shown->webView->view()->y() == 0; }));
-        // Clicked twice.
-        EXPECT_FALSE(pages_.made().front()->navigate("velmora://replay"));
-        EXPECT_FALSE(pages_.made().front()->navigate("velmora://replay"));
-        EXPECT_TRUE(shows(shown->videoView));
-        EXPECT_EQ(players_.made(), 1U);
-        EXPECT_GE(players_.last()->count("seek 0"), 1);
-        players_.last()->tick(4);
-        shown->videoView->muteButtonClicked();
-        shown->videoView->muteButtonClicked();
-        shown->videoView->muteButtonClicked();
-        EXPECT_TRUE(runUntil([&] { return shown->videoView->view()->y() == 0; }));
-        shown->videoView->exitButtonTouched();
-    }
-    EXPECT_TRUE(isOver());
-    EXPECT_EQ(ends_, (Ends{true, true}));
-    EXPECT_THAT(tracked(8), testing::UnorderedElementsAre("/start", "/first", "/mid", "/third", "/complete",
-                                                          "/mute", "/unmute", "/mute"));
-    EXPECT_THAT(*VLDefaults::getDoneAdSuggestions(), SizeIs(1));
-}
-
-TEST_F(AdShow, ASkippedVideoIsFollowedByItsPageAndCountsAsLeft) {
-    const auto ad = makeVideo(3, R"("skipStartPercentage": {"type": 1, "skipStartPercentage": 0.25}, )");
-    {
-        const auto shown = show(ad);
-        EXPECT_FALSE(shown->videoView->isSkipButtonVisible());
-        play();
-        players_.last()->tick(1);
-        shown->videoView->skipButtonClicked();
-        EXPECT_EQ(players_.last()->count("pause"), 1);
-        EXPECT_TRUE(shows(shown->webView));
-        EXPECT_TRUE(runUntil([&] { return shown->webView->view()->y() == 0; }));
-        EXPECT_FALSE(pages_.made().front()->navigate("velmora://dismiss"));
-    }
-    EXPECT_TRUE(isOver());
-    EXPECT_EQ(ends_, Ends{false});
-    EXPECT_THAT(tracked(3), testing::UnorderedElementsAre("/start", "/skip", "/complete"));
-}
-
-TEST_F(AdShow, LeavingAVideoEndsTheShowUnlessADialogIsAskedFor) {
-    const auto options = std::make_shared<VLAdShowOptions>();
-    for (const bool dialog : {false, true}) {
-        ends_.clear();
-        options->setShowDialoged(dialog);
-        const auto ad = makeVideo();
-        {
-            const auto shown = show(ad, options);
-            play();
-            players_.last()->tick(1);
-            shown->videoView->exitButtonTouched();
-            EXPECT_TRUE(runUntil([&] { return !shown->presentedViewController(); }));
-        }
-        if (dialog) {
-            EXPECT_EQ(ends_, Ends());
-            EXPECT_FALSE(controller_.expired());
-        } else {
-            EXPECT_TRUE(isOver());
-            EXPECT_EQ(ends_, Ends{false});
-        }
+        tick(ticks);
+        before += (before.empty() ? "" : " ") + std::string(expected);
+        EXPECT_EQ(trackers(), before);
+        fail();
     }
 }
 
-TEST_F(AdShow, AVideoThatCannotBeLoadedCountsAsCompletedUnlessItHadALength) {
-    for (const bool hadLength : {false, true}) {
-        ends_.clear();
-        const auto ad = makeVideo();
-        {
-            const auto shown = show(ad);
-            if (hadLength) {
-                play();
-                players_.last()->tick(1);
-            }
-            players_.last()->become(PlayerStatus::failed);
-        }
-        EXPECT_TRUE(isOver());
-        EXPECT_EQ(ends_.front(), !hadLength);
-        EXPECT_THAT(ends_, SizeIs(1));
-    }
+TEST_F(AdShow, WhatWasSentOfASuggestionIsNotSentAgainByItsNextShow) {
+    const auto ad = ready("s", video());
+    show(ad);
+    play();
+    tick({0, 2});
+    skip();
+    command("close");
+    const std::string first = "0:start 2:firstQuartile skip:skip close:complete";
+    EXPECT_EQ(trackers(), first);
+    show(ad);
+    play();
+    tick({0, 2, 4});
+    skip();
+    command("close");
+    EXPECT_EQ(trackers(), first + " 4:midpoint");
 }
 
-TEST_F(AdShow, AVideoOfUnknownLengthIsRecordedButNotTold) {
-    const auto ad = makeVideo();
-    {
-        const auto shown = show(ad);
-        play(std::numeric_limits<double>::quiet_NaN());
-        players_.last()->tick(1);
-        players_.last()->reachEnd();
-        EXPECT_EQ(ends_, Ends());
-        EXPECT_EQ(shown->doneSeconds, Property(30));
-        EXPECT_FALSE(platform::asBool(shown->isVideoCompleted));
-        EXPECT_TRUE(shows(shown->webView));
-        EXPECT_TRUE(runUntil([&] { return shown->webView->view()->y() == 0; }));
-        EXPECT_FALSE(pages_.made().front()->navigate("velmora://close"));
-    }
-    EXPECT_TRUE(isOver());
-    EXPECT_EQ(ends_, Ends{false});
+TEST_F(AdShow, AnEventWithoutTrackersCountsAsReportedOnlyWhenItIsASkipOrTheEnd) {
+    const auto ad =
+        ready("s", R"({"ctaType": 3, "ctaUrl": "u", "action": {"type": 1}, "vastTrackingData": {}})");
+    show(ad);
+    play();
+    tick({8});
+    skip();
+    command("close");
+    const auto data = ad->state().mAd.get()->creative->vastTrackingData;
+    for (const auto* flag : {&data->isStartTrackerReported, &data->isFirstQuartileTrackerReported,
+                             &data->isMidpointReported, &data->isThirdQuartileTrackerReported})
+        EXPECT_FALSE(platform::asBool(flag->get()));
+    EXPECT_TRUE(platform::asBool(data->isSkipTrackerReported.get()));
+    EXPECT_TRUE(platform::asBool(data->isCompleteTrackerReported.get()));
 }
 
-TEST_F(AdShow, ABannerIsRecordedAndNeverToldToTheManager) {
-    for (const auto* command : {"velmora://close", "velmora://dismiss"}) {
-        platform::UserDefaults::standard().removeObjectForKey("cachedDoneAdSuggestions");
-        const auto ad = makeAd(R"({"ctaType": 2, "ctaUrl": "http://127.0.0.1:1/banner"})");
-        {
-            const auto shown = show(ad);
-            EXPECT_EQ(shown->videoView, nullptr);
-            EXPECT_TRUE(shows(shown->webView));
-        }
-        EXPECT_FALSE(pages_.made().back()->navigate(command));
-        EXPECT_TRUE(isOver());
-        EXPECT_EQ(ends_, Ends());
-        const auto done = VLDefaults::getDoneAdSuggestions();
-        ASSERT_THAT(*done, SizeIs(1));
-        EXPECT_EQ(written(*done->front()), valueOf(R"({"suggestionId": "s", "callToActionId": "c",
-                                                       "donePercentage": 100, "doneSeconds": 30})"));
+TEST_F(AdShow, EachMuteAndUnmuteIsReported) {
+    show(video());
+    play();
+    for (const char* step : {"1", "2", "3", "4"}) {
+        shown()->videoView->muteButtonClicked();
+        tick({std::atof(step)});
     }
-}
-
-TEST_F(AdShow, ACachedVideoPlaysItsFileAndOtherTypesNothing) {
-    auto ad = makeVideo();
-    ad->getRequestOptions()->setCacheType(1);
-    const auto file = std::filesystem::temp_directory_path() / "velmora-test-video.mp4";
-    std::ofstream(file) << "video";
-    ad->state().setVideoFilePath(file.string());
-    {
-        const auto shown = show(ad);
-        EXPECT_EQ(players_.last()->source, "file " + file.string());
-        players_.last()->become(PlayerStatus::failed);
-    }
-    EXPECT_TRUE(isOver());
-    std::filesystem::remove(file);
-
-    ad = makeVideo();
-    ad->getRequestOptions()->setCacheType(7);
-    const auto shown = show(ad);
-    EXPECT_EQ(players_.made(), 1U);
-    EXPECT_EQ(shown->videoPathOrUrl, std::nullopt);
-}
-
-TEST_F(AdShow, WhatMayNotBeShownIsLoggedAndNotShown) {
-    VLLogger::setShallLog(true);
-    const LogCapture log;
-    const auto expired = makeVideo(3);
-    expired->getRequestOptions()->setCacheType(1);
-    expired->showWithOptions(nullptr);
-    EXPECT_TRUE(log.has("Ad is Expired/Invalid"));
-    makeAd(R"({"ctaType": 3, "ctaUrl": "u", "action": {"type": 2}})")->showWithOptions(nullptr);
-    EXPECT_TRUE(log.has("Ad type is not supported with this version of sdk."));
-    EXPECT_FALSE(
-        runUntil([&] { return Application::rootViewController()->presentedViewController() != nullptr; },
-                 std::chrono::milliseconds(100)));
-
-    // A handle without an ad passes, and leaves the screen empty until it is closed.
-    std::make_shared<VelmoraAd>()->showWithOptions(nullptr);
-    EXPECT_TRUE(
-        runUntil([&] { return Application::rootViewController()->presentedViewController() != nullptr; }));
+    EXPECT_EQ(trackers(), "1:mute+start 2:unmute+firstQuartile 3:mute 4:unmute+midpoint");
 }
 
 TEST_F(AdShow, TrackersThatAreNoneAreHarmlessAndOffsetsGoByTheirForms) {
-    const auto ad = makeAd(R"({"ctaType": 1, "ctaUrl": "u", "action": {"type": 1}, "vastTrackingData":
-        {"startTrackerUrls": [7, null, "", "no url", "file:///etc/passwd"], "muteTrackerUrls": "x"}})");
-    const auto shown = show(ad);
-    const auto data = shown->ad->creative->vastTrackingData;
+    show(ready("s", R"({"ctaType": 1, "ctaUrl": "u", "action": {"type": 1}, "vastTrackingData":
+        {"startTrackerUrls": [7, null, "", "no url", "file:///etc/passwd", ")" +
+                        server_.url("/start") + R"("], "muteTrackerUrls": "x"}})"));
+    const auto data = shown()->ad->creative->vastTrackingData;
     const auto offset = [&](const Property& first, const std::string& event) {
         auto tracker = std::make_shared<VLProgressTrackerModel>();
         tracker->first = first;
@@ -362,20 +108,258 @@ TEST_F(AdShow, TrackersThatAreNoneAreHarmlessAndOffsetsGoByTheirForms) {
          offset(Property("00:00:05"), "s"), offset(Property("0%"), "zero"),
          offset(Property("25%"), "percent"), offset(Property("soon"), "text"), nullptr}));
     play();
-    shown->videoView->muteButtonClicked();
-    players_.last()->tick(0);
+    shown()->videoView->muteButtonClicked();
+    tick({0});
     EXPECT_THAT(*data->progressTrackingUrls.get(), SizeIs(5));
-    players_.last()->tick(5.5);
-    players_.last()->tick(5.75);
+    tick({5.5, 5.75, 6});
     EXPECT_THAT(*data->progressTrackingUrls.get(), SizeIs(3));
-    EXPECT_THAT(tracked(2), testing::UnorderedElementsAre("/ms", "/zero"));
+    EXPECT_EQ(trackers(), "0:start 5.5:zero 5.75:ms");
+}
+
+TEST_F(AdShow, AnAnswerThatComesDuringAShowKeepsItsList) {
+    show(video());
+    play();
+    tick({1});
+    setStates({"new", "s"});
+    tick({2});
+    EXPECT_EQ(states(), "new=2 s=2/0");
+    setStates({"newer"});
+    tick({8});
+    EXPECT_EQ(states(), "newer=2");
+    reachEnd();
+    command("close");
+    EXPECT_EQ(states(), "newer=2");
+    EXPECT_EQ(records(), "100 % 8 s");
+}
+
+TEST_F(AdShow, FiguresComeFromTheFirstTickOnAndOnlyUntilTheFirstEnd) {
+    show(video());
+    play();
+    EXPECT_EQ(states(), "before=2 s=3 behind=2");
+    tick({0});
+    EXPECT_EQ(states(), "before=2 s=3/0 behind=2");
+    EXPECT_EQ(shown()->doneSeconds, Property(8.0));
+    tick({7.99});
+    EXPECT_EQ(states(), "before=2 s=3/0 behind=2");
+    tick({8});
+    EXPECT_EQ(states(), "before=2 s=3/1 behind=2");
+    reachEnd();
+    replay();
+    tick({1});
+    EXPECT_EQ(states(), "before=2 s=3/100 behind=2");
+    EXPECT_EQ(shown()->donePercentage, Property(100));
+    EXPECT_FALSE(shown()->videoDuration) << "the player has its own";
+    EXPECT_EQ(shown()->spinner, nullptr) << "the player has its own";
+}
+
+TEST_F(AdShow, TheSkipButtonIsThereOnlyWithAValueInItsRecord) {
+    const struct {
+        const char* skip;
+        bool isHidden;
+    } kSkips[] = {{R"("skipStartPercentage": {"type": 1, "skipStartPercentage": 0.25}, )", false},
+                  {R"("skipStartPercentage": {"type": 1}, )", true},
+                  {"", true}};
+    for (const auto& [skip, isHidden] : kSkips) {
+        show(video(skip));
+        EXPECT_EQ(shown()->videoView->isSkipButtonVisible(), isHidden) << skip;
+        play();
+        tick({8});
+        EXPECT_EQ(shown()->videoView->isSkipButtonVisible(), isHidden) << skip;
+        if (!isHidden) {
+            // A creative that became a page hides it when its part has passed.
+            shown()->ad->creative->ctaType = Property(2);
+            tick({2});
+            EXPECT_FALSE(shown()->videoView->isSkipButtonVisible());
+            tick({2.25});
+            EXPECT_TRUE(shown()->videoView->isSkipButtonVisible());
+        }
+        leave();
+    }
+}
+
+TEST_F(AdShow, TheSourceIsThatOfTheCacheTypeAndAReplayKeepsIt) {
+    show(video());
+    EXPECT_EQ(player()->source, "url http://127.0.0.1:1/v.mp4");
+    EXPECT_THAT(pages_.made().front()->loads, ElementsAre("http://127.0.0.1:1/page"));
+    play();
+    tick({8});
+    reachEnd();
+    shown()->requestOptions->setCacheType(VLCacheType::cached);
+    replay();
+    EXPECT_EQ(shown()->videoPathOrUrl, "http://127.0.0.1:1/v.mp4");
+    EXPECT_EQ(players_.made(), 1U);
+    EXPECT_EQ(player()->calls.back(), "play");
+    EXPECT_TRUE(player()->layer->isVisible());
+    leave();
+
+    const TemporaryDirectory folder;
+    const auto file = folder / "video.mp4";
+    std::ofstream(file) << "video";
+    const auto ad = ready("s", video());
+    ad->getRequestOptions()->setCacheType(VLCacheType::cached);
+    ad->state().setVideoFilePath(file.string());
+    show(ad);
+    EXPECT_EQ(player()->source, "file " + file.string());
+}
+
+TEST_F(AdShow, WhatMayNotBeShownIsLoggedAndNotShown) {
+    VLLogger::setShallLog(true);
+    const LogCapture log;
+    const auto gone = ready("s", video());
+    gone->getRequestOptions()->setCacheType(VLCacheType::cached);
+    show(gone);
+    EXPECT_TRUE(log.has("Ad is Expired/Invalid"));
+    show(R"({"ctaType": 3, "ctaUrl": "u", "action": {"type": 2}})");
+    EXPECT_TRUE(log.has("Ad type is not supported with this version of sdk."));
+    EXPECT_EQ(inFront(), nullptr);
+
+    // A handle without an ad passes, and leaves the screen empty until it is closed.
+    show(std::make_shared<VelmoraAd>());
+    ASSERT_NE(inFront(), nullptr);
+    EXPECT_EQ(inFront()->presentedViewController(), nullptr);
+}
+
+TEST_F(AdShow, OneThatBecomesInvalidBeforeItsTurnLeavesTheScreenEmpty) {
+    const TemporaryDirectory folder;
+    const auto file = folder / "video.mp4";
+    std::ofstream(file) << "video";
+    const auto ad = ready("s", video());
+    ad->getRequestOptions()->setCacheType(VLCacheType::cached);
+    ad->state().setVideoFilePath(file.string());
+    ad->showWithOptions(nullptr);
+    std::filesystem::remove(file);
+    rest();
+    controller_ = inFront();
+    ASSERT_NE(shown(), nullptr);
+    EXPECT_EQ(shown()->presentedViewController(), nullptr);
+    EXPECT_EQ(players_.made(), 0U);
+    EXPECT_EQ(told(), "");
+    EXPECT_EQ(records(), "");
+}
+
+TEST_F(AdShow, OneThatIsToldToEndBeforeItsTurnEndsAndNothingElse) {
+    show(video());
+    const auto first = shown();
+    first->videoView->dismissViewControllerAnimated(true);
+    const std::weak_ptr<VLAdShowUIController> second = showUnasked(ready("t", video()));
+    EXPECT_EQ(second.lock()->presentingViewController(), nullptr);
+    EXPECT_FALSE(page()->navigate("velmora://close"));
+    rest();
+    EXPECT_TRUE(second.expired());
+    EXPECT_EQ(told(), "false");
+    EXPECT_EQ(inFront(), first);
+    controller_ = first;
+}
+
+// An application often shows its next ad when it is told of the end of one.
+TEST_F(AdShow, TheNextAdThatIsShownFromTheCallbackStays) {
+    const struct {
+        const char* what;
+        std::function<void()> ends;
+    } kEndings[] = {
+        {"a page that closes twice at once",
+         [this] {
+             const auto closing = page();
+             EXPECT_FALSE(closing->navigate("velmora://close"));
+             // The next one waits for the end of the animation.
+             settle();
+             clock_->advance(std::chrono::milliseconds(100));
+             settle();
+             EXPECT_FALSE(closing->navigate("velmora://close"));
+         }},
+        {"a page that comes after the video",
+         [this] {
+             const auto closing = page();
+             play();
+             tick({8});
+             reachEnd();
+             EXPECT_TRUE(closing->widget->isVisible());
+             EXPECT_FALSE(closing->navigate("velmora://close"));
+         }},
+        {"a video that is left", [this] { leave(); }},
+        {"a video that fails", [this] { fail(); }},
+    };
+    for (const auto& [what, ends] : kEndings) {
+        SCOPED_TRACE(what);
+        show(video());
+        const auto next = ready("s", video());
+        onTold = [&](const auto&) {
+            onTold = nullptr;
+            next->showWithOptions(nullptr);
+        };
+        ends();
+        rest();
+        EXPECT_TRUE(controller_.expired());
+        controller_ = inFront();
+        ASSERT_NE(shown(), nullptr);
+        EXPECT_EQ(shown()->tAd, next);
+        EXPECT_EQ(players_.alive(), 1U);
+        EXPECT_TRUE(player()->layer && player()->layer->isVisible());
+        EXPECT_TRUE(player()->layer->window()->isFullScreen());
+        fail();
+    }
+}
+
+TEST_F(AdShow, APageBehindTheVideoThatSaysThatItIsDoneLeavesTheVideoAlone) {
+    show(video());
+    play();
+    page()->finish("http://127.0.0.1:1/VelmoraSuggestionIsDone");
+    rest();
+    EXPECT_TRUE(player()->layer->isVisible());
+    EXPECT_EQ(player()->count("pause"), 0);
+    tick({8});
+    reachEnd();
+    EXPECT_TRUE(page()->widget->isVisible());
+    EXPECT_EQ(told(), "true");
+}
+
+TEST_F(AdShow, ThePageOpensWhatTheDesktopCanOpenAndTheShowGoesOn) {
+    VLLogger::setShallLog(true);
+    const Opener opener("velmora-test");
+    const LogCapture log;
+    show(banner());
+    command("open?type=web&target=no-such-scheme:x");
+    command("open");
+    command("open?type=web&target=velmora-test:that");
+    EXPECT_TRUE(runUntil([&] { return !opener.opened().empty(); }));
+    EXPECT_THAT(opener.opened(), ElementsAre("velmora-test:that"));
+    EXPECT_FALSE(log.has("cannot be opened"));
+    EXPECT_TRUE(page()->widget->isVisible());
+    EXPECT_EQ(records(), "");
+}
+
+TEST_F(AdShow, ItIsPresentedFromWhatTheContainersAtTheRootShowFirst) {
+    const auto left = std::make_shared<ViewController>();
+    const auto right = std::make_shared<ViewController>();
+    const auto tabs =
+        std::make_shared<TabBarController>(std::vector<std::shared_ptr<ViewController>>{left, right});
+    tabs->setSelectedIndex(1);
+    const auto bottom = std::make_shared<ViewController>();
+    const auto stack = std::make_shared<NavigationController>(bottom);
+    stack->pushViewController(std::make_shared<ViewController>());
+    const auto tabsInStack = std::make_shared<NavigationController>(tabs);
+    tabsInStack->pushViewController(std::make_shared<ViewController>());
+    const struct {
+        std::shared_ptr<ViewController> root;
+        std::shared_ptr<ViewController> presenter;
+    } kRoots[] = {{tabsInStack, right}, {tabs, right}, {stack, bottom}};
+    for (const auto& [root, presenter] : kRoots) {
+        Application::setRootViewController(root);
+        const std::weak_ptr<VLAdShowUIController> made = showUnasked(ready("s", banner()));
+        rest();
+        ASSERT_FALSE(made.expired());
+        EXPECT_EQ(made.lock()->presentingViewController(), presenter);
+        command("close");
+        EXPECT_TRUE(made.expired());
+    }
+    Application::setRootViewController(nullptr);
 }
 
 TEST_F(AdShow, TwoShowsAtOnceAndOneWhoseWindowGoesComeToAnEnd) {
-    show(makeVideo());
-    const auto second = makeVideo();
-    second->showWithOptions(nullptr);
-    EXPECT_TRUE(runUntil([&] { return players_.alive() == 2; }));
+    show(video());
+    ready("t", video())->showWithOptions(nullptr);
+    rest();
+    EXPECT_EQ(players_.alive(), 2U);
     window_.hide();
 }
 

@@ -6,8 +6,12 @@
 #include "ui/VLSimpleProgressView.h"
 
 #include <cmath>
+#include <functional>
 #include <vector>
 
+#include <QImage>
+#include <QPixmap>
+#include <QScreen>
 #include <gmock/gmock.h>
 
 namespace velmora::test {
@@ -139,6 +143,39 @@ TEST_F(PlayerController, TheMuteButtonMutesAndUnmutes) {
     QTest::mousePress(controller.muteButton(), Qt::LeftButton);
     QTest::mouseRelease(controller.muteButton(), Qt::LeftButton, {}, QPoint(-20, 10));
     EXPECT_EQ(told_->calls.size(), 2U) << "a touch that ends elsewhere is none";
+}
+
+TEST_F(PlayerController, WhatChangesIsOnTheScreenWithoutBeingAskedForIt) {
+    auto& controller = present();
+    become(PlayerStatus::readyToPlay);
+    const auto onScreen = [&](const QWidget* view) {
+        settle();
+        const QRect place = view->geometry();
+        const auto window = controller.view()->window()->winId();
+        return controller.view()
+            ->screen()
+            ->grabWindow(window, place.x(), place.y(), place.width(), place.height())
+            .toImage();
+    };
+    const struct {
+        const char* what;
+        QWidget* view;
+        std::function<void()> change;
+    } kChanges[] = {
+        {"ring", controller.progressView(), [&] { controller.progressView()->setProgress(0.5); }},
+        {"label", controller.progressLabel(),
+         [&] { controller.progressLabel()->setText("50%", controller.progressLabel()->attributes()); }},
+        {"mute button", controller.muteButton(), [&] { touch(controller.muteButton()); }},
+        {"skip button", controller.skipButton(), [&] { controller.setSkipButtonVisible(true); }},
+        {"exit button", controller.exitButton(), [&] { controller.exitButton()->hide(); }},
+        {"spinner", controller.spinner(), [&] { controller.spinner()->startAnimating(); }},
+    };
+    for (const auto& [what, view, change] : kChanges) {
+        const auto before = onScreen(view);
+        ASSERT_FALSE(before.isNull());
+        change();
+        EXPECT_NE(onScreen(view), before) << what;
+    }
 }
 
 TEST_F(PlayerController, SkippingIsTheDelegatesBusiness) {

@@ -1,0 +1,321 @@
+#pragma once
+
+#include "core/VelmoraAdState.h"
+#include "model/VLAdSuggestion.h"
+#include "model/VLAdSuggestionFinalState.h"
+#include "model/VLDefaults.h"
+#include "model/VLFinalStatesModel.h"
+#include "net/VLWebServices.h"
+#include "platform/Application.h"
+#include "platform/Directories.h"
+#include "platform/UserDefaults.h"
+#include "support/EventLoop.h"
+#include "support/ManualClock.h"
+#include "support/Records.h"
+#include "support/ScriptedPage.h"
+#include "support/ScriptedPlayer.h"
+#include "support/ScriptedServer.h"
+#include "ui/VLAVPlayerViewController.h"
+#include "ui/VLAdShowUIController.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+#include <limits>
+#include <map>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <QApplication>
+#include <gtest/gtest.h>
+#include <velmora/velmora.h>
+
+namespace velmora::test {
+
+/// An application with a window, which shows ads with a scripted player and scripted pages, on a clock of its
+/// own; a server for their trackers; and a stranger's look into the store.
+///
+/// Every step goes on until nothing moves any more.
+class AdShow : public testing::Test {
+public:
+    AdShow() {
+        window_.show();
+        for (const char* key : {"finalstates", "cachedAds", "cachedDoneAdSuggestions"})
+            platform::UserDefaults::standard().removeObjectForKey(key);
+        setStates({"before", "s", "behind"});
+        VLDefaults::cacheNewAd(ready("other", R"({"ctaType": 3})"));
+        Velmora::setAdShowFinishedCallback([this](const auto& ad, bool completed) {
+            told_ += told_.empty() ? "" : " ";
+            told_ += completed ? "true" : "false";
+            if (onTold) onTold(ad);
+        });
+    }
+
+    ~AdShow() override {
+        Velmora::setAdShowFinishedCallback(nullptr);
+        for (auto* window : QApplication::topLevelWidgets()) window->close();
+        rest();
+        EXPECT_TRUE(controller_.expired());
+        EXPECT_EQ(players_.alive(), 0U);
+        EXPECT_TRUE(std::all_of(pages_.made().begin(), pages_.made().end(),
+                                [](const auto& page) { return page->widget.isNull(); }));
+    }
+
+    AdShow(const AdShow&) = delete;
+    AdShow& operator=(const AdShow&) = delete;
+
+    /// A handle as a request makes it.
+    static std::shared_ptr<VelmoraAd> ready(const std::string& id, const std::string& creative,
+                                            const std::string& more = R"("callToActionId": "c", )") {
+        auto ad = std::make_shared<VelmoraAd>();
+        ad->state().setAd(read<VLAdSuggestion>(R"({"suggestionId": ")" + id + "\", " + more +
+                                               "\"creative\": " + creative + "}"));
+        auto options = std::make_shared<VLAdRequestOptions>();
+        options->setCacheType(VLCacheType::streamed);
+        ad->state().setAdRequestOptions(options);
+        return ad;
+    }
+
+    /// One with a tracker for each event, named like it. `more` is of the creative.
+    [[nodiscard]] std::string video(const std::string& more = "") const {
+        std::string trackers;
+        for (const std::string event : {"start", "firstQuartile", "midpoint", "thirdQuartile", "complete",
+                                        "mute", "unmute", "skip", "replay", "fullscreen"})
+            trackers += (trackers.empty() ? "\"" : ", \"") + event + R"(TrackerUrls": [")" +
+                        server_.url("/" + event) + "\"]";
+        return R"({"ctaType": 3, "ctaUrl": "http://127.0.0.1:1/v.mp4",)" + more +
+               R"("action": {"type": 1, "actionUrl": "http://127.0.0.1:1/page"}, "vastTrackingData": {)" +
+               trackers + "}}";
+    }
+
+    static std::string banner() { return R"({"ctaType": 2, "ctaUrl": "http://127.0.0.1:1/banner"})"; }
+
+    /// What the last answer left in the store.
+    static void setStates(const std::vector<std::string>& ids) {
+        std::vector<std::shared_ptr<VLAdSuggestionFinalState>> states;
+        for (const auto& id : ids)
+            states.push_back(std::make_shared<VLAdSuggestionFinalState>(
+                Property(id), VLAdSuggestionFinalState::kInitial, Property(Dictionary())));
+        const auto record = std::make_shared<VLFinalStatesModel>();
+        record->setStates(makeList<VLAdSuggestionFinalState>(std::move(states)));
+        VLDefaults::setFinalStates(record);
+    }
+
+    void show(const std::string& creative, const std::shared_ptr<VLAdShowOptions>& options = nullptr) {
+        show(ready("s", creative), options);
+    }
+
+    void show(const std::shared_ptr<VelmoraAd>& ad,
+              const std::shared_ptr<VLAdShowOptions>& options = nullptr) {
+        VLDefaults::cacheNewAd(ad);
+        // From any thread.
+        std::thread([&] { ad->showWithOptions(options); }).join();
+        rest();
+        controller_ = inFront();
+    }
+
+    /// What is not asked whether it is supported.
+    std::shared_ptr<VLAdShowUIController> showUnasked(const std::shared_ptr<VelmoraAd>& ad) {
+        VLDefaults::cacheNewAd(ad);
+        auto shown = std::make_shared<VLAdShowUIController>();
+        controller_ = shown;
+        shown->showAd(ad, ad->state().mAd.get(), nullptr, ad->getRequestOptions());
+        return shown;
+    }
+
+    /// The show over the window of the application; null for none.
+    static std::shared_ptr<VLAdShowUIController> inFront() {
+        const auto presented = platform::Application::rootViewController()->presentedViewController();
+        const auto navigation = std::dynamic_pointer_cast<platform::NavigationController>(presented);
+        if (!navigation) return nullptr;
+        return std::dynamic_pointer_cast<VLAdShowUIController>(navigation->viewControllers().front());
+    }
+
+    std::shared_ptr<VLAdShowUIController> shown() { return controller_.lock(); }
+    std::shared_ptr<ScriptedPlayer> player() { return players_.last(); }
+    std::shared_ptr<ScriptedPage> page() { return pages_.made().back(); }
+
+    /// Until nothing moves any more.
+    void rest() {
+        for (int step = 0; step < 16; ++step) {
+            settle();
+            clock_->advance(std::chrono::milliseconds(100));
+        }
+        settle();
+    }
+
+    void play(double length = 8) {
+        player()->length = length;
+        player()->become(platform::PlayerStatus::readyToPlay);
+        rest();
+    }
+
+    /// Ticks of the video, each at its second.
+    void tick(const std::vector<double>& seconds) {
+        for (const double second : seconds) {
+            player()->tick(second);
+            std::ostringstream label;
+            label << second;
+            mark(label.str());
+        }
+    }
+
+    void reachEnd() {
+        player()->reachEnd();
+        mark("end");
+        rest();
+    }
+
+    void fail() {
+        player()->become(platform::PlayerStatus::failed);
+        mark("failed");
+        rest();
+    }
+
+    void skip() {
+        shown()->videoView->skipButtonClicked();
+        mark("skip");
+        rest();
+    }
+
+    void leave() {
+        shown()->videoView->exitButtonTouched();
+        rest();
+        mark("left");
+    }
+
+    /// A command of the page.
+    void command(const std::string& name) {
+        EXPECT_FALSE(page()->navigate("velmora://" + name));
+        mark(name);
+        rest();
+    }
+
+    void replay() {
+        // Clicked twice.
+        EXPECT_FALSE(page()->navigate("velmora://replay"));
+        command("replay");
+        player()->finishSeeks(true);
+    }
+
+    /// What the manager has told the application so far.
+    [[nodiscard]] const std::string& told() const { return told_; }
+
+    /// The trackers in the order of their sending, each behind what it was sent at: a second of the video, or
+    /// a step. Trackers of one moment are joined by "+".
+    std::string trackers() {
+        mark("last");
+        const auto all = [this] { return static_cast<int>(server_.seen().size()) == lastConnection(); };
+        EXPECT_TRUE(runUntil([&] { return wasSeen(marked_) && all(); }));
+        std::map<int, std::string> sent;
+        for (const auto& request : server_.seen()) sent[request.connection] = request.target;
+        std::string text;
+        std::string together;
+        for (const auto& [connection, target] : sent) {
+            if (!target.starts_with("/at/")) {
+                together += (together.empty() ? "" : "+") + target.substr(1);
+            } else if (!together.empty()) {
+                const auto label = target.substr(target.rfind('/') + 1);
+                text += (text.empty() ? "" : " ") + label + ":" + together;
+                together.clear();
+            }
+        }
+        return text;
+    }
+
+    // What another connection reads.
+
+    /// "100 % 8 s" for each done suggestion.
+    [[nodiscard]] std::string records() const {
+        std::ostringstream text;
+        for (const auto& done : stored("cachedDoneAdSuggestions", "doneAdSuggestions")) {
+            const auto& record = done.as_object();
+            EXPECT_EQ(record.at("suggestionId"), "s");
+            EXPECT_EQ(record.at("callToActionId"), "c");
+            const auto number = [&](const char* key) {
+                return record.contains(key) ? record.at(key).to_number<double>() : -1;
+            };
+            text << number("donePercentage") << " % " << number("doneSeconds") << " s";
+        }
+        return text.str();
+    }
+
+    /// Each final state as "id=state", with the passed duration where there is one.
+    [[nodiscard]] std::string states() const {
+        std::string text;
+        for (const auto& one : stored("finalstates", "states")) {
+            const auto& state = one.as_object();
+            text += (text.empty() ? "" : " ") + std::string(state.at("suggestionId").as_string()) + "=" +
+                    std::to_string(state.at("state").to_number<int>());
+            const auto& extra = state.at("extraInfo").as_object();
+            EXPECT_LE(extra.size(), 1U);
+            if (extra.contains("passedDuration"))
+                text += "/" + std::string(extra.at("passedDuration").as_string());
+        }
+        return text;
+    }
+
+    /// The identifiers of the ads that are ready to be shown.
+    [[nodiscard]] std::string readyAds() const {
+        std::string text;
+        for (const auto& ad : stored("cachedAds", "cachedVelmoraAds")) {
+            const auto& id = ad.as_object().at("mAd").as_object().at("suggestionId").as_string();
+            text += (text.empty() ? "" : " ") + std::string(id);
+        }
+        return text;
+    }
+
+    std::function<void(const std::shared_ptr<VelmoraAd>& ad)> onTold;
+    UseManualClock clock_;
+    UseScriptedPlayers players_;
+    ScriptedPages pages_;
+    QWidget window_;
+    /// Every request has a connection of its own, so that the order of sending can be told.
+    ScriptedServer server_{[](const SeenRequest&) {
+        auto answer = Script::answer(200, "", "Connection: close\r\n");
+        answer.keepOpen = false;
+        return answer;
+    }};
+
+protected:
+    std::weak_ptr<VLAdShowUIController> controller_;
+
+private:
+    /// Sent as trackers are: what was sent so far was sent up to this.
+    void mark(const std::string& label) {
+        marked_ = "/at/" + std::to_string(++marks_) + "/" + label;
+        VLWebServices::callUrl(
+            server_.url(marked_), [](const auto&) {}, [](const VLClientError&) {});
+    }
+
+    [[nodiscard]] int lastConnection() const {
+        int last = 0;
+        for (const auto& request : server_.seen()) last = std::max(last, request.connection);
+        return last;
+    }
+
+    [[nodiscard]] bool wasSeen(const std::string& target) const {
+        const auto seen = server_.seen();
+        return std::any_of(seen.begin(), seen.end(),
+                           [&](const auto& request) { return request.target == target; });
+    }
+
+    [[nodiscard]] platform::Array stored(std::string_view key, std::string_view list) const {
+        platform::UserDefaults other(file_);
+        const auto record = other.objectForKey(key);
+        if (!record) return {};
+        const auto* values = record->as_object().if_contains(list);
+        return values != nullptr ? values->as_array() : platform::Array();
+    }
+
+    /// Of the store, wherever the test moves the application's folder later.
+    const std::filesystem::path file_ = platform::applicationDataDirectory() / "defaults.sqlite3";
+    std::string told_;
+    std::string marked_;
+    int marks_ = 0;
+};
+
+}  // namespace velmora::test
