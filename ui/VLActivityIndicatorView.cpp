@@ -62,9 +62,7 @@ void VLActivityIndicatorView::stopAnimating() {
 
 void VLActivityIndicatorView::layoutSubviews() {
     setCenter(*spinner(), {width() / 2.0, height() / 2.0 - kMargin});
-    const auto labelHeight = textLabel_ != nullptr ? textLabel_->height() : 0;
-    if (textLabel_ != nullptr)
-        setCenter(*textLabel_, {width() / 2.0, height() - labelHeight / 2.0 - kMargin});
+    setCenter(*textLabel(), {width() / 2.0, height() - textLabel()->height() / 2.0 - kMargin});
 }
 
 void VLActivityIndicatorView::resizeEvent(QResizeEvent* event) {

@@ -68,8 +68,9 @@ void VLTextAttributes::setFontSize(double size) {
 }
 
 void VLTextAttributes::setLineBreakMode(LineBreakMode mode) {
-    ParagraphStyle style{.baseWritingDirection = WritingDirection::rightToLeft};
-    if (const auto& stored = dictionary_.paragraphStyle) style = *stored;
+    // Alignment and direction stay; the other way round, setting an alignment drops the mode.
+    auto style = dictionary_.paragraphStyle.value_or(
+        ParagraphStyle{.baseWritingDirection = WritingDirection::rightToLeft});
     style.lineBreakMode = mode;
     dictionary_.paragraphStyle = style;
 }

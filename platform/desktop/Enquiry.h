@@ -4,7 +4,6 @@
 #include "platform/Mutex.h"
 
 #include <chrono>
-#include <exception>
 #include <functional>
 #include <future>
 #include <memory>
@@ -46,8 +45,11 @@ private:
         Time at;
     };
 
+    /// Null where nobody knows: the question failed, or there was no thread to ask it on.
+    using Outcome = std::optional<Answered>;
+
     struct Asked {
-        std::shared_future<Answered> coming;
+        std::shared_future<Outcome> coming;
         Time at;
     };
 
@@ -57,28 +59,33 @@ private:
         const auto now = std::chrono::steady_clock::now();
         const bool isWaiting = open_.coming.valid() && now - open_.at < kGivenUp;
         if (!isWaiting && (!last_ || now - last_->at > kFresh)) {
-            auto promise = std::make_shared<std::promise<Answered>>();
+            auto promise = std::make_shared<std::promise<Outcome>>();
             open_ = {promise->get_future().share(), now};
+            bool isAsked = false;
             callOut("an enquiry", [&] {
                 std::thread([promise, question = question_] {
-                    callOut("an enquiry", [&] {
-                        auto answer = question();
-                        promise->set_value({std::move(answer), std::chrono::steady_clock::now()});
-                    });
+                    promise->set_value(outcomeOf(question));
                 }).detach();
+                isAsked = true;
             });
+            if (!isAsked) promise->set_value(std::nullopt);
         }
         return open_;
+    }
+
+    static Outcome outcomeOf(const std::function<Answer()>& question) {
+        Outcome outcome;
+        callOut("an enquiry", [&] {
+            auto answer = question();
+            outcome = Answered{std::move(answer), std::chrono::steady_clock::now()};
+        });
+        return outcome;
     }
 
     void collect() VELMORA_REQUIRES(mutex_) {
         if (!open_.coming.valid()) return;
         if (open_.coming.wait_for(std::chrono::seconds(0)) != std::future_status::ready) return;
-        try {
-            last_ = open_.coming.get();
-        } catch (const std::exception&) {
-            // No thread could be had for it, or what it threw has been logged.
-        }
+        if (const auto& outcome = open_.coming.get()) last_ = outcome;
         open_ = {};
     }
 

@@ -88,7 +88,8 @@ void log(std::string_view message) noexcept {
             const MutexLock lock(sink().mutex);
             function = sink().function;
         }
-        function ? (*function)(message) : writeToStandardError(message);
+        if (function) return (*function)(message);
+        writeToStandardError(message);
     } catch (...) {
         // Logging has nobody to tell.
     }

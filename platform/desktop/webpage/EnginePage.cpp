@@ -51,7 +51,8 @@ EnginePage::EnginePage(QWebEngineProfile& profile, QObject* parent)
     connect(this, &QWebEnginePage::certificateError, this, [](QWebEngineCertificateError error) {
         const bool trusted = error.isOverridable() &&
                              DevelopmentAuthority().verifies(error.certificateChain(), error.url().host());
-        trusted ? error.acceptCertificate() : error.rejectCertificate();
+        if (trusted) return error.acceptCertificate();
+        error.rejectCertificate();
     });
     refuseRequests();
     watchDocuments();
@@ -76,7 +77,8 @@ void EnginePage::begin(const std::string& url) {
     const auto address = QUrl::fromEncoded(QByteArray::fromStdString(url));
     if (!address.isValid() || address.isRelative()) return;
     // The engine does not bear a new load in the middle of the question about another.
-    isAsking_ ? loadLater(address) : load(address);
+    if (isAsking_) return loadLater(address);
+    load(address);
 }
 
 void EnginePage::loadLater(const QUrl& url) {
