@@ -101,6 +101,24 @@ TEST_F(UserInfo, OneFixIsTakenOfAServiceThatTellsMore) {
     EXPECT_FALSE(runUntil([&] { return service.await("geocoder", 2, 0ms); }, 300ms));
 }
 
+TEST_F(UserInfo, EachGetLocationTakesOneFixAndOverwritesThePlace) {
+    const sandbox::Sandbox service;
+    const Environment geocoder("VELMORA_GEOCODER_URL", service.geocoderUrl().c_str());
+    const SystemServices services(R"({"geoclue": {"location": {"Latitude": 47.5, "Longitude": -45.5}}})");
+    ASSERT_TRUE(runUntil(&LocationManager::locationServicesEnabled, 5s));
+    const auto place = std::make_shared<GeoInfoLocationIOS>();
+    for (const std::size_t questions : {1U, 2U}) {
+        place->verticalAccuracy.set(std::nullopt);
+        place->latitude.set(Property(1));
+        // The second call takes the place of the first.
+        place->getLocation();
+        place->getLocation();
+        ASSERT_TRUE(runUntil([&] { return place->verticalAccuracy.get().has_value(); }));
+        EXPECT_EQ(place->latitude.get(), Property(47.5));
+        EXPECT_FALSE(runUntil([&] { return service.await("geocoder", questions + 1, 0ms); }, 200ms));
+    }
+}
+
 TEST_F(UserInfo, ACodeThatIsNoNumberIsAbsent) {
     const SystemServices services(R"({"modemmanager": {"sim": {"OperatorIdentifier": "4x235 "}}})");
     const auto record = written(*whenTheyAreHeard()).as_object();

@@ -135,12 +135,16 @@ TEST(RequestQueue, WhatIsBuiltAndQueuedNeverReachesIt) {
 
 TEST(Suggestions, EachIsReportedOnceAndUnsuitableOnesAreDropped) {
     VLAdSuggestion suggestion;
-    suggestion.reportAdIsFilled();
-    suggestion.reportAdIsDoing();
-    suggestion.reportAdIsDoneWithFinalStates(nullptr);
-    EXPECT_TRUE(platform::asBool(suggestion.filledReported.get()) &&
-                platform::asBool(suggestion.doingReported.get()) &&
-                platform::asBool(suggestion.doneReported.get()));
+    for (const auto& [before, after] :
+         {std::pair(Property(), Property(true)), {Value(0), Value(true)}, {Value(7), Value(7)}}) {
+        const auto reports = {&suggestion.filledReported, &suggestion.doingReported,
+                              &suggestion.doneReported};
+        for (auto* reported : reports) reported->set(before);
+        suggestion.reportAdIsFilled();
+        suggestion.reportAdIsDoing();
+        suggestion.reportAdIsDoneWithFinalStates(nullptr);
+        for (const auto* reported : reports) EXPECT_EQ(reported->get(), after);
+    }
 
     const auto value = platform::parseJson(R"({"suggestions": [
         {"suggestionId": "no creative"},
@@ -155,13 +159,20 @@ TEST(Suggestions, EachIsReportedOnceAndUnsuitableOnesAreDropped) {
     list->removeUnnecessaryAds();
     ASSERT_EQ(list->suggestions.get()->size(), 2U);
     EXPECT_EQ(list->suggestions.get()->front()->getSuggestionId(), "a");
+}
 
-    std::set<std::string> firsts;
-    for (int i = 0; i < 200; ++i) {
+TEST(Suggestions, AShuffleKeepsEachOnceAndBringsEachToEachPlace) {
+    const auto value = platform::parseJson(
+        R"({"suggestions": [{"suggestionId": "a"}, {"suggestionId": "b"}, {"suggestionId": "c"}]})");
+    const auto list = recordFrom<VLSuggestionListDirectResponseModel>(value->if_object());
+    std::set<std::string> orders;
+    for (int i = 0; i < 300; ++i) {
         list->shuffleSuggestions();
-        firsts.insert(list->suggestions.get()->front()->getSuggestionId().value_or("-"));
+        std::string order;
+        for (const auto& one : *list->suggestions.get()) order += one->getSuggestionId().value_or("-");
+        orders.insert(order);
     }
-    EXPECT_THAT(firsts, ElementsAre("-", "a"));
+    EXPECT_THAT(orders, ElementsAre("abc", "acb", "bac", "bca", "cab", "cba"));
 }
 
 TEST(InternetCacher, AFileIsFetchedOnceAndNeverLeavesItsFolder) {

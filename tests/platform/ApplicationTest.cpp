@@ -7,6 +7,7 @@
 #include "support/OddUrls.h"
 #include "support/Screens.h"
 #include "support/TemporaryDirectory.h"
+#include "support/TurnedScreen.h"
 
 #include <filesystem>
 #include <fstream>
@@ -32,6 +33,14 @@ TEST(Application, TheInterfaceStandsAsTheScreenDoes) {
     EXPECT_EQ(isLandscape(orientation), size.width > size.height);
     EXPECT_EQ(orientation == platform::InterfaceOrientation::portrait, size.height >= size.width);
     EXPECT_EQ(scale, QGuiApplication::primaryScreen()->devicePixelRatio());
+
+    for (const auto& turned : {QSize(480, 800), QSize(800, 480)}) {
+        const TurnedScreen screen(turned);
+        const auto now = platform::Screen::main();
+        EXPECT_EQ(now.size.width, turned.width());
+        EXPECT_EQ(now.size.height, turned.height());
+        EXPECT_EQ(isLandscape(now.orientation), turned.width() > turned.height());
+    }
 }
 
 TEST(Application, EachWindowHasOneRootForAsLongAsItLives) {

@@ -1,10 +1,13 @@
 #include "platform/Application.h"
 #include "support/EventLoop.h"
+#include "support/TurnedScreen.h"
 #include "support/Videos.h"
+#include "ui/ImageButton.h"
 #include "ui/VLAVPlayerViewController.h"
 #include "ui/VLAVPlayerViewControllerDelegate.h"
 #include <velmora/VLAdShowOptions.h>
 
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -47,12 +50,15 @@ class VideoShow : public testing::Test {
 protected:
     VideoShow() { window_.show(); }
 
-    std::shared_ptr<VLAVPlayerViewController> present(const std::string& url) {
+    using Source = void (VLAVPlayerViewController::*)(std::optional<std::string>);
+
+    std::shared_ptr<VLAVPlayerViewController>
+    present(const std::string& video, Source source = &VLAVPlayerViewController::setUrlString) {
         audience_ = std::make_shared<Audience>();
         auto controller = std::make_shared<VLAVPlayerViewController>(std::make_shared<VLAdShowOptions>(),
                                                                      VLCreativeType::video);
         controller->delegate = audience_;
-        controller->setUrlString(url);
+        (*controller.*source)(video);
         platform::Application::rootViewController()->presentViewController(controller, true);
         return controller;
     }
@@ -75,6 +81,37 @@ TEST_F(VideoShow, AVideoIsToldFromItsStartToItsEndAndThenDismissed) {
     ASSERT_GE(audience_->progress.size(), 4U);
     EXPECT_LT(audience_->progress.front(), 0.25F);
     EXPECT_EQ(audience_->progress.back(), 1.0F);
+    controller->player.reset();
+}
+
+TEST_F(VideoShow, AFileIsPlayedByItsPathWhateverItsName) {
+    const auto usual = videos_.usual(1);
+    for (const std::string name :
+         {"100%.mp4", "%20 %zz.mp4", "a#b?c d.mp4", "سلام;&'\"|.mp4", "http:a.mp4"}) {
+        const auto file = usual.parent_path() / name;
+        std::filesystem::copy_file(usual, file);
+        const auto controller = present(file.string(), &VLAVPlayerViewController::setVideoFilePath);
+        ASSERT_TRUE(goes());
+        EXPECT_THAT(audience_->calls, ElementsAre("end " + file.string(), "gone yes"));
+        controller->player.reset();
+    }
+}
+
+TEST_F(VideoShow, AScreenThatIsTurnedIsFilledAndTheVideoGoesOn) {
+    const auto url = "file://" + videos_.usual(3).string();
+    const auto controller = present(url);
+    ASSERT_TRUE(runUntil([&] { return audience_->progress.size() > 1; }));
+    for (const auto& size : {QSize(480, 800), QSize(800, 480)}) {
+        const TurnedScreen screen(size);
+        const QRect all(QPoint(), size);
+        EXPECT_TRUE(runUntil([&] { return controller->avPlayerLayer->geometry() == all; }));
+        EXPECT_EQ(controller->view()->window()->geometry(), all);
+        EXPECT_EQ(controller->view()->size(), size);
+        EXPECT_EQ(controller->muteButton()->geometry().right(), size.width() - 9);
+        EXPECT_EQ(controller->skipButton()->geometry().bottom(), size.height() - 9);
+    }
+    ASSERT_TRUE(goes());
+    EXPECT_THAT(audience_->calls, ElementsAre("end " + url, "gone yes"));
     controller->player.reset();
 }
 
