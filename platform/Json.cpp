@@ -13,6 +13,8 @@ namespace {
 
 namespace json = boost::json;
 
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
 /// Builds values from parser events, as the library's own parser does, except that real numbers are read
 /// again from their text: this version's own conversion is off by one unit in the last place for a third of
 /// all doubles.
@@ -111,6 +113,7 @@ private:
 }  // namespace
 
 std::optional<Value> parseJson(std::string_view text, Storage storage) {
+    if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
     json::parse_options options;
     options.max_depth = kDeepestJson;
     json::basic_parser<Builder> parser(options, std::move(storage));

@@ -169,13 +169,14 @@ TEST(Json, TextThatIsNotJsonIsAbsent) {
         "", " ", "[1,", "[1,]", "[1", R"({"a":)", R"({"a"})", R"({"a":1,})", "{a:1}", R"({"a":1)", "nul",
         "nulll", "True", "\"abc", "'a'", "01", "+1", "1.", ".5", "1e", "-", "NaN", "Infinity", "-Infinity",
         "0x10", "[1]x", "{} {}", "1 2", "//\n1", "/**/1", "\"\t\"", R"("\x")", R"("\u12")", R"("\ud800")",
-        "\xEF\xBB\xBF{}",
+        "\xEF\xBB\xBF", "\xEF\xBB\xBF\xEF\xBB\xBF{}", " \xEF\xBB\xBF{}", "\xEF\xBB{}",
         // Not UTF-8: a stray byte, an overlong form, half a pair, beyond the last character, cut off.
         "\"\xFF\"", "\"\xC0\xAF\"", "\"\xED\xA0\x80\"", "\"\xF4\x90\x80\x80\"", "\"\xE2\x82\"",
         "{\"\x80\":1}", "[\"\xE2\x82"};
     for (const char* text : refused) EXPECT_FALSE(parseJson(text)) << text;
     EXPECT_FALSE(parseJson(std::string_view("1\0", 2)));
-    EXPECT_EQ(parseJson(" \r\n\t[ 1 , {} ] \n"), Value({1, Dictionary()}));
+    for (const char* text : {" \r\n\t[ 1 , {} ] \n", "\xEF\xBB\xBF[1,{}]", "\xEF\xBB\xBF [1, {}]"})
+        EXPECT_EQ(parseJson(text), Value({1, Dictionary()})) << text;
     EXPECT_EQ(parseJson(R"("\ud83d\ude00\u0000\/")"), Value(boost::json::string_view("😀\0/", 6)));
 }
 
