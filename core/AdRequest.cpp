@@ -77,10 +77,11 @@ void AdRequest::remember(const VLSuggestionListDirectResponseModel& answer) {
     // What the store gets is put together before it is asked to hold still.
     const auto states = finalStatesOf(answer);
     const auto user = platform::asString(answer.velmoraUserId);
-    const platform::UserDefaults::Batch batch(platform::UserDefaults::standard());
-    VLDefaults::removeAllFinalStates();
-    VLDefaults::setFinalStates(states);
-    if (user) VLDefaults::setVelmoraUserId(user);
+    platform::UserDefaults::standard().inOneTransaction([&] {
+        VLDefaults::removeAllFinalStates();
+        VLDefaults::setFinalStates(states);
+        if (user) VLDefaults::setVelmoraUserId(user);
+    });
 }
 
 void AdRequest::onFailure(const VLClientError& error) const {

@@ -4,6 +4,7 @@
 #include "core/VelmoraManager.h"
 #include "model/VLDefaults.h"
 #include "platform/CallOut.h"
+#include "platform/OneWait.h"
 #include "platform/UserDefaults.h"
 
 namespace velmora {
@@ -41,18 +42,18 @@ void Velmora::initializeWithAppKey(const std::optional<std::string>& key) {
 
 void Velmora::initializeWithAppKey(const std::optional<std::string>& key,
                                    const std::shared_ptr<VLConfiguration>& andConfig) {
+    const platform::OneWait wait;
     if (!key) return VLLog("AppKey passed for initialization is null");
 
     const auto configuration = andConfig ? andConfig : defaultConfiguration();
     // Read once: another thread may be filling it in.
     const bool debugMode = configuration->isDebugMode();
     const auto appUserId = configuration->appUserId();
-    {
-        const platform::UserDefaults::Batch batch(platform::UserDefaults::standard());
+    platform::UserDefaults::standard().inOneTransaction([&] {
         VLDefaults::setDeveloperKey(key);
         VLDefaults::setDebugMode(debugMode);
         VLDefaults::setAppUserId(appUserId);
-    }
+    });
     VLLogger::setShallLog(debugMode);
     VLLog("Velmora initialized successfully");
 }
@@ -71,6 +72,7 @@ void Velmora::requestAdForZone(const std::optional<std::string>& zone,
                                const std::shared_ptr<VLAdRequestOptions>& andOptions,
                                const OnAdAvailable& onAdAvailable, const OnNoAdAvailable& onNoAdAvailable,
                                const OnError& onError, const OnExpiring& onExpiring) {
+    const platform::OneWait wait;
     const auto options = andOptions ? andOptions : defaultOptions();
     if (const char* missing = missingCallback(onAdAvailable, onNoAdAvailable, onError, onExpiring)) {
         return VLLog(missing);

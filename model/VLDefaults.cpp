@@ -31,47 +31,46 @@ constexpr std::string_view kCachedAds = "cachedAds";
 platform::UserDefaults& defaults() { return platform::UserDefaults::standard(); }
 
 void setString(const std::optional<std::string>& text, std::string_view key) {
-    text ? defaults().setObject(Value(*text), key) : defaults().removeObjectForKey(key);
+    if (!text) return defaults().removeObjectForKey(key);
+    defaults().setObject(Value(*text), key);
 }
 
-/// Null when the store could not be read; an empty record for a missing key.
 template <class Model>
-std::shared_ptr<Model> readRecord(std::string_view key) {
+struct Stored {
+    std::shared_ptr<Model> record;
+    /// Whether it may be changed and written back: a key that is missing, or that holds a dictionary.
+    bool isAsExpected = false;
+};
+
+template <class Model>
+Stored<Model> readRecord(std::string_view key) {
     // Most records fit, and are then read without one allocation of the parser's.
     std::array<unsigned char, 8192> room;
     platform::Arena arena(room.data(), room.size());
     const auto stored = defaults().lookUp(key, &arena);
-    return stored.wasRead ? recordFrom<Model>(stored.value ? stored.value->if_object() : nullptr) : nullptr;
+    const auto* dictionary = stored.value ? stored.value->if_object() : nullptr;
+    return {recordFrom<Model>(dictionary), dictionary != nullptr || stored.isMissing};
 }
 
 template <class Model>
 std::shared_ptr<Model> getRecord(std::string_view key) {
-    auto record = readRecord<Model>(key);
-    return record ? record : recordFrom<Model>(nullptr);
+    return readRecord<Model>(key).record;
 }
 
 template <class Model>
 void setRecord(const std::shared_ptr<Model>& record, std::string_view key) {
-    record ? defaults().setJson(recordToJson(*record), key) : defaults().removeObjectForKey(key);
+    if (!record) return defaults().removeObjectForKey(key);
+    defaults().setJson(recordToJson(*record), key);
 }
 
-/// Reads a record, changes it and writes it back; one that cannot be read stays as it is on the disk.
+/// Reads a record, changes it and writes it back; what is no record stays as it is on the disk.
 template <class Model, class Change>
 void changeRecord(std::string_view key, const Change& change) {
-    const auto record = readRecord<Model>(key);
-    if (!record) return;
-    change(*record);
-    setRecord(record, key);
-}
-
-using AdList = std::vector<std::shared_ptr<VelmoraAd>>;
-
-/// Changes the list of the ready ads.
-template <class Change>
-void changeCachedAds(const Change& change) {
-    changeRecord<VLCachedVelmoraAds>(kCachedAds, [&](VLCachedVelmoraAds& record) {
-        if (!record.cachedVelmoraAds.get()) record.cachedVelmoraAds.set(makeList<VelmoraAd>());
-        change(*record.cachedVelmoraAds.get());
+    defaults().inOneTransaction([&] {
+        const auto stored = readRecord<Model>(key);
+        if (!stored.isAsExpected) return;
+        change(*stored.record);
+        setRecord(stored.record, key);
     });
 }
 
@@ -127,7 +126,7 @@ void VLDefaults::setVelmoraUserId(const std::optional<std::string>& velmoraUserI
     setString(velmoraUserId, kVelmoraUserId);
 }
 
-bool VLDefaults::getDebugMode() { return defaults().hasKey(kDebugMode) && defaults().boolForKey(kDebugMode); }
+bool VLDefaults::getDebugMode() { return defaults().boolForKey(kDebugMode); }
 
 void VLDefaults::setDebugMode(bool debugMode) { defaults().setBool(debugMode, kDebugMode); }
 
@@ -154,7 +153,6 @@ void VLDefaults::setFinalStates(const std::shared_ptr<VLFinalStatesModel>& final
 void VLDefaults::removeAllFinalStates() { defaults().removeObjectForKey(kFinalStates); }
 
 void VLDefaults::changeFinalStates(const std::function<void(VLFinalStatesModel& states)>& change) {
-    const platform::UserDefaults::Batch batch(defaults());
     changeRecord<VLFinalStatesModel>(kFinalStates, change);
 }
 
@@ -167,9 +165,7 @@ void VLDefaults::setCachedDoneAdSuggestions(const std::shared_ptr<VLCachedDoneAd
 }
 
 std::shared_ptr<VLCachedVelmoraAds> VLDefaults::getCachedAds() {
-    auto cachedAds = getRecord<VLCachedVelmoraAds>(kCachedAds);
-    if (!cachedAds->cachedVelmoraAds.get()) cachedAds->cachedVelmoraAds.set(makeList<VelmoraAd>());
-    return cachedAds;
+    return getRecord<VLCachedVelmoraAds>(kCachedAds);
 }
 
 void VLDefaults::setCachedAds(const std::shared_ptr<VLCachedVelmoraAds>& cachedAds) {
@@ -187,9 +183,10 @@ void VLDefaults::setDoneAdSuggestions(const ModelList<VLDoneAdSuggestion>& sugge
 }
 
 void VLDefaults::addDoneAdSuggestion(const std::shared_ptr<VLDoneAdSuggestion>& suggestion) {
-    changeRecord<VLCachedDoneAdSuggestions>(kCachedDoneAdSuggestions, [&](auto& record) {
-        if (suggestion) record.doneAdSuggestions->push_back(suggestion);
-    });
+    if (!suggestion) return;
+    VLCachedDoneAdSuggestions one;
+    one.doneAdSuggestions = makeList<VLDoneAdSuggestion>({suggestion});
+    defaults().appendToList("doneAdSuggestions", recordToJson(one), kCachedDoneAdSuggestions);
 }
 
 void VLDefaults::removeDoneSuggestionsByIds(const std::optional<std::vector<std::string>>&) {
@@ -197,28 +194,29 @@ void VLDefaults::removeDoneSuggestionsByIds(const std::optional<std::vector<std:
 }
 
 void VLDefaults::removeFinalStatesByIds(const std::optional<std::vector<std::string>>& suggestionIds) {
-    if (!defaults().hasKey(kFinalStates)) return;
-    const auto record = readRecord<VLFinalStatesModel>(kFinalStates);
-    const auto states = record ? record->getStates() : nullptr;
-    if (!states) return;
-    if (suggestionIds) {
-        std::erase_if(*states, [&](const auto& state) {
-            return platform::isOneOf(state->getSuggestionId(), *suggestionIds);
+    if (!suggestionIds) return;
+    defaults().inOneTransaction([&] {
+        if (!defaults().hasKey(kFinalStates)) return;
+        changeFinalStates([&](VLFinalStatesModel& states) {
+            std::erase_if(*states.getStates(), [&](const auto& state) {
+                return platform::isOneOf(state->getSuggestionId(), *suggestionIds);
+            });
         });
-    }
-    setFinalStates(record);
+    });
 }
 
 void VLDefaults::cacheNewAd(const std::shared_ptr<VelmoraAd>& ad) {
-    changeCachedAds([&](AdList& ads) {
-        if (ad) ads.push_back(ad);
-    });
+    if (!ad) return;
+    VLCachedVelmoraAds one;
+    one.cachedVelmoraAds.set(makeList<VelmoraAd>({ad}));
+    defaults().appendToList("cachedVelmoraAds", recordToJson(one), kCachedAds);
 }
 
 void VLDefaults::removeCachedAd(const std::shared_ptr<VelmoraAd>& ad) {
     const auto id = ad ? ad->getId() : std::nullopt;
-    changeCachedAds([&](AdList& ads) {
-        std::erase_if(ads, [&](const auto& one) { return (id && one->getId() == id) || !one->isValid(); });
+    changeRecord<VLCachedVelmoraAds>(kCachedAds, [&](const VLCachedVelmoraAds& record) {
+        std::erase_if(*record.cachedVelmoraAds.get(),
+                      [&](const auto& one) { return (id && one->getId() == id) || !one->isValid(); });
     });
 }
 
@@ -226,7 +224,8 @@ std::shared_ptr<VelmoraAd>
 VLDefaults::getValidCachedAdForZone(const std::optional<std::string>& zone,
                                     const std::shared_ptr<VLAdRequestOptions>& andOptions) {
     std::shared_ptr<VelmoraAd> valid;
-    changeCachedAds([&](AdList& ads) {
+    changeRecord<VLCachedVelmoraAds>(kCachedAds, [&](const VLCachedVelmoraAds& record) {
+        auto& ads = *record.cachedVelmoraAds.get();
         std::erase_if(ads, [](const auto& ad) { return !ad->isValid(); });
         const auto found = std::find_if(ads.begin(), ads.end(), [&](const auto& ad) {
             return matchesZone(*ad, zone) && matchesOptions(*ad, andOptions);

@@ -8,6 +8,7 @@
 #include "net/VLRequestHeaders.h"
 #include "net/VLWebServices.h"
 #include "platform/CallOut.h"
+#include "platform/OneWait.h"
 #include "platform/UrlText.h"
 
 namespace velmora {
@@ -92,6 +93,7 @@ std::optional<std::string> urlFor(const std::optional<std::string>& zone, int ty
 
 std::optional<std::string> VelmoraVAST::getVastUrlForZone(const std::optional<std::string>& zone,
                                                           int withType, int ofVastVersion) {
+    const platform::OneWait wait;
     std::optional<std::string> url;
     platform::callOut("making a VAST URL", [&] { url = urlFor(zone, withType, ofVastVersion); });
     return url;

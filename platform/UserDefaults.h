@@ -3,6 +3,7 @@
 #include "platform/Value.h"
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -18,8 +19,9 @@ class Database;
 /// A `set` or `remove` that has returned survives the end of the process, however it ends; the last ones
 /// before a loss of power may be lost, never torn. Nothing throws: what cannot be written leaves the old
 /// value and a log line, what cannot be read is absent. A damaged file is moved aside under a name of its
-/// own, never deleted, and what can be read of it is carried over. A call waits at most 250 ms for another
-/// process.
+/// own, never deleted, and what can be read of it is carried over. A call waits at most 250 ms, for other
+/// threads and processes together, and those within an `OneWait` together; nobody waits to read what another
+/// thread is writing.
 class UserDefaults {
 public:
     /// The application's own. Lives as long as the process.
@@ -33,11 +35,11 @@ public:
     /// The value; absent when the key is missing or holds what is not a value. It lives in `storage`.
     [[nodiscard]] std::optional<Value> objectForKey(std::string_view key, Storage storage = {});
 
-    /// The same, with whether the file could be read at all: what is to be changed and written back must not
-    /// be taken for missing then.
+    /// The same, and whether the key is missing: what cannot be read, or is no value, is neither present nor
+    /// missing, and must not be written over by what is made of it.
     struct Stored {
         std::optional<Value> value;
-        bool wasRead = false;
+        bool isMissing = false;
     };
     [[nodiscard]] Stored lookUp(std::string_view key, Storage storage = {});
 
@@ -57,19 +59,18 @@ public:
     void setBool(bool value, std::string_view forKey);
     void removeObjectForKey(std::string_view key);
 
-    /// Makes one of the writes of this thread, from construction to destruction: the file gets all of them at
-    /// once, or none when the process ends in between. The calls of other threads wait for the end, so that
-    /// nothing slow and nothing foreign belongs in there, nor another batch.
-    class Batch {
-    public:
-        explicit Batch(UserDefaults& defaults);
-        ~Batch();
-        Batch(const Batch&) = delete;
-        Batch& operator=(const Batch&) = delete;
+    /// Adds what a list of one element has to the stored list, without reading the others. `dictionary` is
+    /// JSON text of a dictionary with this array under `list`, and is stored as it is when the key is
+    /// missing. A stored value that has no such array stays as it is, which is a log line.
+    void appendToList(std::string_view list, const std::optional<std::string>& dictionary,
+                      std::string_view forKey);
 
-    private:
-        Database& database_;
-    };
+    /// Makes one of what `changes` reads and writes here, on this thread: the file gets all of it at once, or
+    /// none of it when something fails or the process ends in between. Where no transaction can begin,
+    /// `changes` is not called. Other threads and processes wait with their writes until the end, so that
+    /// nothing slow and nothing foreign belongs in there. A transaction inside another is part of it; what
+    /// `changes` throws ends it without a change.
+    void inOneTransaction(const std::function<void()>& changes);
 
 private:
     std::unique_ptr<Database> database_;

@@ -1,88 +1,61 @@
 #pragma once
 
-#include "platform/Mutex.h"
-#include "platform/desktop/Sqlite.h"
+#include "platform/desktop/SharedStoreFile.h"
 
-#include <chrono>
-#include <condition_variable>
+#include <atomic>
 #include <filesystem>
 #include <functional>
-#include <optional>
-#include <string>
 #include <string_view>
 #include <thread>
 
 namespace velmora::platform {
 
-/// One SQLite file with a row a key, opened at first use and kept open.
+/// A SQLite file with a row a key, for all threads: one connection that reads and one that writes, so that no
+/// reader waits for a transaction of another thread.
 ///
-/// Every call is one statement, and waits for other processes at most `kLongestWait` in all. A file that
-/// turns out damaged is moved aside, what can be read of it is copied into a new one, and the call is tried
-/// once more. A file that was moved or deleted by others is opened anew; one that may only be read is opened
-/// for each call. Any thread; nothing throws, and every call that fails is a log line.
+/// A call waits for other threads and processes until `OneWait::end()`. Nothing throws, and every call that
+/// fails is a log line.
 class Database {
 public:
-    explicit Database(std::filesystem::path file);
+    explicit Database(const std::filesystem::path& file);
 
     /// Calls `take` with the value, which is gone when it returns; not when the key is missing or the file
-    /// cannot be read, for which the answer is false. `take` runs under the lock of this object.
+    /// cannot be read, for which the answer is false. `take` must not use this object.
     bool get(std::string_view key, const std::function<void(std::string_view value)>& take);
     [[nodiscard]] bool has(std::string_view key);
     void set(std::string_view key, std::string_view value);
+    /// Sets a missing key. A present value that is JSON and has an array at `path` gets the first element of
+    /// that of `value` at its end; every other value stays as it is, which is a log line.
+    void append(std::string_view key, std::string_view value, std::string_view path);
     void remove(std::string_view key);
 
-    /// From here to `commit` the writes of this thread are one: the file gets them at once. Other threads
-    /// wait for the end. Where no transaction can begin, each write stands for itself. They do not nest.
-    void begin();
-    void commit();
-
-    static constexpr std::chrono::milliseconds kLongestWait{250};
+    /// Makes one of what `changes` reads and writes on this thread: the file gets all of it or nothing. Where
+    /// no transaction can begin in time, `changes` is not called. A transaction inside another is part of it;
+    /// what `changes` throws ends it without a change.
+    void inOneTransaction(const std::function<void()>& changes);
 
 private:
-    using Time = std::chrono::steady_clock::time_point;
-
-    /// Which file a path named, to notice when it names another one.
-    struct Identity {
-        unsigned long long device = 0;
-        unsigned long long number = 0;
-        bool operator==(const Identity&) const = default;
+    /// What the thread that has the turn to write is about.
+    struct Transaction {
+        StoreFile& file;
+        /// The first operation of it that failed; what follows is not tried.
+        sqlite::Code failure = SQLITE_OK;
     };
 
-    /// The statements go before their connection.
-    struct Opened {
-        sqlite::Connection connection;
-        sqlite::Statement get;
-        sqlite::Statement has;
-        sqlite::Statement set;
-        sqlite::Statement remove;
-        sqlite::Statement begin;
-        sqlite::Statement commit;
-        bool forReadingOnly = false;
-    };
+    /// That of this thread; null when it has none.
+    [[nodiscard]] Transaction* transaction() const;
+    [[nodiscard]] sqlite::Code attempt(const std::function<void()>& changes);
+    bool read(const StoreFile::Operation& operation);
+    bool write(const StoreFile::Operation& operation);
+    bool perform(SharedStoreFile& shared, std::string_view what, const StoreFile::Operation& operation);
+    void logFailure(std::string_view what, sqlite::Code code) const;
 
-    /// Holds the mutex, once no other thread has a transaction open.
-    class Turn;
-
-    /// Runs one of the statements on the open file; `what` says in the past tense what was asked for. False
-    /// when it failed.
-    template <class Operation>
-    bool perform(std::string_view what, Operation operation) VELMORA_REQUIRES(mutex_);
-    [[nodiscard]] sqlite::Code ensureOpen(Time end) VELMORA_REQUIRES(mutex_);
-    [[nodiscard]] sqlite::Code repair(Time end) VELMORA_REQUIRES(mutex_);
-    [[nodiscard]] sqlite::Code open(Time end) VELMORA_REQUIRES(mutex_);
-    void carryOver(const std::filesystem::path& damaged, Time end) VELMORA_REQUIRES(mutex_);
-    [[nodiscard]] static sqlite::Code connect(const std::string& name, int flags, Time end, Opened& opened);
-    [[nodiscard]] Identity identity() const;
-
-    const std::filesystem::path file_;
-    Mutex mutex_;
-    std::condition_variable_any committed_;
-    /// Who has a transaction open.
-    std::optional<std::thread::id> owner_ VELMORA_GUARDED_BY(mutex_);
-    bool hasBegun_ VELMORA_GUARDED_BY(mutex_) = false;
-    std::optional<Opened> opened_ VELMORA_GUARDED_BY(mutex_);
-    /// The file that was opened last, or was tried.
-    Identity tried_ VELMORA_GUARDED_BY(mutex_);
+    const std::filesystem::path path_;
+    SharedStoreFile reading_;
+    SharedStoreFile writing_;
+    /// Whose transaction `transaction_` is; only that thread may look at it.
+    std::atomic<std::thread::id> owner_;
+    Transaction* transaction_ = nullptr;
 };
 
 }  // namespace velmora::platform

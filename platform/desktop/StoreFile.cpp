@@ -106,7 +106,7 @@ void makePrivate(const fs::path& file) {
 /// Whether there are changes beside the file that are not in it yet.
 bool hasJournal(const fs::path& file) {
     std::error_code error;
-    const auto size = fs::path_size(file.string() + "-wal", error);
+    const auto size = fs::file_size(file.string() + "-wal", error);
     return !error && size > 0;
 }
 

@@ -8,6 +8,14 @@
 
 namespace velmora::platform {
 
+namespace {
+
+void logUnwritable(std::string_view key) {
+    log("The value for \"" + std::string(key) + "\" cannot be written as JSON, and the old one stays");
+}
+
+}  // namespace
+
 UserDefaults& UserDefaults::standard() {
     static Immortal<UserDefaults> instance(applicationDataDirectory() / "defaults.sqlite3");
     return *instance;
@@ -18,10 +26,6 @@ UserDefaults::UserDefaults(std::filesystem::path file)
 
 UserDefaults::~UserDefaults() = default;
 
-UserDefaults::Batch::Batch(UserDefaults& defaults) : database_(*defaults.database_) { database_.begin(); }
-
-UserDefaults::Batch::~Batch() { database_.commit(); }
-
 std::optional<Value> UserDefaults::objectForKey(std::string_view key, Storage storage) {
     return lookUp(key, std::move(storage)).value;
 }
@@ -29,10 +33,11 @@ std::optional<Value> UserDefaults::objectForKey(std::string_view key, Storage st
 UserDefaults::Stored UserDefaults::lookUp(std::string_view key, Storage storage) {
     Stored stored;
     bool found = false;
-    stored.wasRead = database_->get(key, [&](std::string_view text) {
+    const bool wasRead = database_->get(key, [&](std::string_view text) {
         found = true;
         stored.value = parseJson(text, std::move(storage));
     });
+    stored.isMissing = wasRead && !found;
     if (found && !stored.value)
         log("The stored value of \"" + std::string(key) + "\" is damaged and reads as absent");
     return stored;
@@ -60,7 +65,17 @@ void UserDefaults::removeObjectForKey(std::string_view key) { database_->remove(
 
 void UserDefaults::setJson(const std::optional<std::string>& json, std::string_view forKey) {
     if (json) return database_->set(forKey, *json);
-    log("The value for \"" + std::string(forKey) + "\" cannot be written as JSON, and the old one stays");
+    logUnwritable(forKey);
+}
+
+void UserDefaults::appendToList(std::string_view list, const std::optional<std::string>& dictionary,
+                                std::string_view forKey) {
+    if (dictionary) return database_->append(forKey, *dictionary, "$." + std::string(list));
+    logUnwritable(forKey);
+}
+
+void UserDefaults::inOneTransaction(const std::function<void()>& changes) {
+    database_->inOneTransaction(changes);
 }
 
 }  // namespace velmora::platform

@@ -7,9 +7,11 @@
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
 #include "support/Records.h"
+#include "support/StoreFiles.h"
 #include "support/Threads.h"
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -189,21 +191,6 @@ TEST_F(Defaults, EveryFinalStateOfTheGivenIdsIsRemoved) {
     EXPECT_EQ(stored("finalstates"), left);
 }
 
-TEST_F(Defaults, AChangeOfTheFinalStatesKeepsWhatOthersHaveStoredMeanwhile) {
-    constexpr int kThreads = 4;
-    constexpr int kRounds = 25;
-    const auto append = [](int thread) {
-        for (int round = 0; round < kRounds; ++round) {
-            VLDefaults::changeFinalStates([&](VLFinalStatesModel& states) {
-                states.getStates()->push_back(std::make_shared<VLAdSuggestionFinalState>(
-                    Value(thread * kRounds + round), 2, Property()));
-            });
-        }
-    };
-    { const Threads threads(kThreads, append); }
-    EXPECT_EQ(VLDefaults::getFinalStates()->getStates()->size(), std::size_t{kThreads * kRounds});
-}
-
 TEST_F(Defaults, TheOldestValidAdThatMatchesIsReturnedAndInvalidOnesGo) {
     const UseManualClock clock;
 
@@ -269,28 +256,53 @@ TEST_F(Defaults, ADamagedRecordIsPartlyFilled) {
     EXPECT_FALSE(ads[3]->isAdShown());
 }
 
-TEST_F(Defaults, ThreadsThatUseTheStoreAtOnceFindWholeValues) {
+TEST_F(Defaults, WhatIsNotTheExpectedRecordIsNotWrittenOver) {
+    const UseManualClock clock;
+    const std::function<void()> changes[] = {
+        [] { VLDefaults::cacheNewAd(banner("a", "")); },
+        [] { VLDefaults::removeCachedAd(banner("a", "")); },
+        [] { (void)VLDefaults::getValidCachedAdForZone(std::nullopt, nullptr); },
+        [] { VLDefaults::addDoneAdSuggestion(std::make_shared<VLDoneAdSuggestion>()); },
+        [] { VLDefaults::changeFinalStates([](const auto&) { ADD_FAILURE() << "nothing to change"; }); },
+        [] { VLDefaults::removeFinalStatesByIds(std::vector<std::string>{"a"}); },
+    };
+    Stranger stranger(platform::applicationDataDirectory() / "defaults.sqlite3");
+    for (const char* text : {R"({"cachedVelmoraAds":[{"zoneId":)", "7"}) {
+        for (const auto& change : changes) {
+            for (const char* key : {"cachedAds", "cachedDoneAdSuggestions", "finalstates"})
+                stranger.run("REPLACE INTO defaults(key, value) VALUES('" + std::string(key) + "', '" + text +
+                             "')");
+            change();
+            for (const char* key : {"cachedAds", "cachedDoneAdSuggestions", "finalstates"})
+                EXPECT_EQ(stranger.valueOf(key), text) << key;
+        }
+    }
+}
+
+TEST_F(Defaults, ThreadsThatUseTheStoreAtOnceFindWholeValuesAndLoseNoChange) {
     constexpr int kThreads = 4;
-    constexpr int kRounds = 15;
+    constexpr int kRounds = 10;
     const auto use = [](int thread) {
-        const std::string name(2000, static_cast<char>('a' + thread));
+        const std::string name(500, static_cast<char>('a' + thread));
         for (int round = 0; round < kRounds; ++round) {
             VLDefaults::setDeveloperKey(name);
             VLDefaults::setAuthorizationToken(name);
             VLDefaults::cacheNewAd(banner(name, ""));
             VLDefaults::addDoneAdSuggestion(std::make_shared<VLDoneAdSuggestion>());
+            VLDefaults::changeFinalStates([](const VLFinalStatesModel& states) {
+                states.getStates()->push_back(std::make_shared<VLAdSuggestionFinalState>());
+            });
             for (const auto& text : {VLDefaults::getDeveloperKey(), VLDefaults::getAuthorization(),
                                      VLDefaults::getValidCachedAdForZone({}, {})->getId()}) {
-                ASSERT_TRUE(text && *text == std::string(2000, text->front()));
+                ASSERT_TRUE(text && *text == std::string(500, text->front()));
             }
         }
     };
     { const Threads threads(kThreads, use); }
 
-    // Changes may be lost, since the store holds no lock over them.
-    for (const auto count : {cachedIds().size(), VLDefaults::getDoneAdSuggestions()->size()}) {
-        EXPECT_GE(count, 1U);
-        EXPECT_LE(count, static_cast<std::size_t>(kThreads * kRounds));
+    for (const auto count : {cachedIds().size(), VLDefaults::getDoneAdSuggestions()->size(),
+                             VLDefaults::getFinalStates()->getStates()->size()}) {
+        EXPECT_EQ(count, std::size_t{kThreads * kRounds});
     }
 }
 

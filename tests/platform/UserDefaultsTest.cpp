@@ -1,16 +1,22 @@
 #include "platform/UserDefaults.h"
 
 #include "platform/Json.h"
+#include "platform/OneWait.h"
 #include "support/Files.h"
+#include "support/FullDisk.h"
+#include "support/HeldStore.h"
 #include "support/LogCapture.h"
 #include "support/Process.h"
 #include "support/StoreFiles.h"
 #include "support/TemporaryDirectory.h"
 #include "support/Threads.h"
 
+#include <algorithm>
 #include <chrono>
+#include <functional>
 #include <map>
 #include <random>
+#include <stdexcept>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -27,6 +33,13 @@ using platform::parseJson;
 using platform::UserDefaults;
 using platform::Value;
 using testing::IsEmpty;
+using testing::SizeIs;
+
+std::chrono::nanoseconds timeOf(const std::function<void()>& work) {
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::steady_clock::now() - start;
+}
 
 class UserDefaultsTest : public testing::Test {
 protected:
@@ -155,43 +168,205 @@ TEST_F(UserDefaultsTest, ACallGivesUpWhileAnotherProcessHoldsTheLock) {
         bool openBefore;
         bool readable;
     } cases[] = {
-        {"BEGIN IMMEDIATE", true, true},
-        {"BEGIN IMMEDIATE", false, true},
+        {"BEGIN EXCLUSIVE", true, true},
+        {"BEGIN EXCLUSIVE", false, true},
         {"PRAGMA journal_mode = DELETE; BEGIN EXCLUSIVE", false, false},
     };
 
     for (const auto& [lock, openBefore, readable] : cases) {
         SCOPED_TRACE(lock);
         log_.clear();
-        Pipe toUs;
-        Pipe toHolder;
-        Process holder([&, statement = lock] {
-            toHolder.closeWriting();
-            Stranger stranger(file_);
-            stranger.run(statement);
-            toUs.write(1);
-            (void)toHolder.read();
-        });
-        ASSERT_TRUE(toUs.read());
+        HeldStore held(file_, lock);
         UserDefaults defaults(file_);
         if (openBefore) {
             EXPECT_EQ(defaults.stringForKey("key"), "old");
         }
-
-        const auto start = std::chrono::steady_clock::now();
-        defaults.setObject("new", "key");
-        const auto waited = std::chrono::steady_clock::now() - start;
-
-        EXPECT_GE(waited, std::chrono::milliseconds(200));
-        EXPECT_LT(waited, std::chrono::milliseconds(2000));
+        held.hold();
+        const auto single = timeOf([&] { defaults.setObject("new", "key"); });
+        EXPECT_GE(single, std::chrono::milliseconds(200));
+        EXPECT_LT(single, std::chrono::milliseconds(800));
         EXPECT_TRUE(log_.has("locked"));
         EXPECT_EQ(defaults.stringForKey("key"), readable ? std::optional("old") : std::nullopt);
 
-        toHolder.closeWriting();
-        EXPECT_TRUE(holder.succeeded());
+        const auto together = timeOf([&] {
+            const platform::OneWait wait;
+            for (int i = 0; i < 5; ++i) {
+                defaults.setObject("new", "key");
+                (void)defaults.hasKey("key");
+                const platform::OneWait inner;
+            }
+        });
+        EXPECT_LT(together, std::chrono::milliseconds(800));
+        held.letGo();
         defaults.setObject("new", "key");
         EXPECT_EQ(defaults.stringForKey("key"), "new");
         defaults.setObject("old", "key");
+    }
+    EXPECT_THAT(movedAside(folder_.path()), IsEmpty());
+}
+
+TEST_F(UserDefaultsTest, ATransactionIsStoredWholeOrNotAtAll) {
+    HeldStore held(file_);
+    Pipe start;
+    Pipe hasChanged;
+    Process process([&] {
+        (void)start.read();
+        UserDefaults own(file_);
+        own.inOneTransaction([&] {
+            own.setObject("new", "first");
+            own.removeObjectForKey("second");
+            hasChanged.write(1);
+            for (;;) ::pause();
+        });
+    });
+    UserDefaults defaults(file_);
+    const auto change = [&] {
+        EXPECT_EQ(defaults.stringForKey("first"), "old");
+        defaults.setObject("new", "first");
+        EXPECT_EQ(defaults.stringForKey("first"), "new");
+        defaults.removeObjectForKey("second");
+        EXPECT_FALSE(defaults.hasKey("second"));
+        defaults.appendToList("l", R"({"l":[1]})", "third");
+    };
+
+    const struct {
+        const char* description;
+        std::function<void()> act;
+        bool isStored;
+        std::size_t lines;
+    } cases[] = {
+        {"alone", [&] { defaults.inOneTransaction(change); }, true, 0},
+        {"as a part of another",
+         [&] { defaults.inOneTransaction([&] { defaults.inOneTransaction(change); }); }, true, 0},
+        {"refused",
+         [&] {
+             held.hold();
+             defaults.inOneTransaction([] { ADD_FAILURE() << "called without a transaction"; });
+             held.letGo();
+         },
+         false, 1},
+        {"as a part of one that is thrown out of",
+         [&] {
+             EXPECT_THROW(defaults.inOneTransaction([&] {
+                 defaults.inOneTransaction(change);
+                 throw std::runtime_error("");
+             }),
+                          std::runtime_error);
+         },
+         false, 0},
+        {"with a disk that is full at its end",
+         [&] {
+             const FullDisk full(fs::file_size(file_.string() + "-wal"));
+             defaults.inOneTransaction(change);
+         },
+         false, 1},
+        {"with a disk that is full on the way",
+         [&] {
+             const FullDisk full(fs::file_size(file_.string() + "-wal"));
+             defaults.inOneTransaction([&] {
+                 change();
+                 // More than is kept in memory until the end.
+                 defaults.setObject(Value(std::string(8'000'000, 'x')), "large");
+                 defaults.setObject("after the failure", "fourth");
+             });
+         },
+         false, 1},
+        {"in a process that is killed",
+         [&] {
+             start.write(1);
+             ASSERT_TRUE(hasChanged.read());
+             process.kill();
+         },
+         false, 0},
+    };
+
+    for (const auto& [description, act, isStored, lines] : cases) {
+        SCOPED_TRACE(description);
+        for (const char* key : {"first", "second"}) defaults.setObject("old", key);
+        defaults.removeObjectForKey("third");
+        log_.clear();
+
+        act();
+
+        using Text = std::optional<std::string>;
+        Stranger stranger(file_);
+        EXPECT_EQ(stranger.valueOf("first"), isStored ? R"("new")" : R"("old")");
+        EXPECT_EQ(stranger.valueOf("second"), isStored ? Text() : Text(R"("old")"));
+        EXPECT_EQ(stranger.valueOf("third"), isStored ? Text(R"({"l":[1]})") : Text());
+        for (const char* key : {"large", "fourth"}) EXPECT_EQ(stranger.valueOf(key), Text()) << key;
+        EXPECT_THAT(log_.lines(), SizeIs(lines));
+    }
+    EXPECT_THAT(movedAside(folder_.path()), IsEmpty());
+}
+
+TEST_F(UserDefaultsTest, AReaderDoesNotWaitForTheTransactionOfAnotherThreadAndAWriterNotForLong) {
+    UserDefaults defaults(file_);
+    defaults.setObject("old", "key");
+    defaults.inOneTransaction([&] {
+        defaults.setObject("ours", "key");
+        const Threads reader(1, [&](int) {
+            EXPECT_EQ(defaults.stringForKey("key"), "old");
+            EXPECT_THAT(log_.lines(), IsEmpty());
+        });
+    });
+    EXPECT_EQ(defaults.stringForKey("key"), "ours");
+
+    std::chrono::nanoseconds longest{};
+    defaults.inOneTransaction([&] {
+        const Threads writer(1, [&](int) {
+            longest = timeOf([&] { defaults.setObject("theirs", "key"); });
+            const auto transaction =
+                timeOf([&] { defaults.inOneTransaction([] { ADD_FAILURE() << "two at once"; }); });
+            longest = std::max(longest, transaction);
+        });
+    });
+    EXPECT_LT(longest, std::chrono::milliseconds(800));
+    EXPECT_THAT(log_.lines(), SizeIs(2));
+    EXPECT_EQ(defaults.stringForKey("key"), "ours");
+}
+
+TEST_F(UserDefaultsTest, WhatIsAppendedLeavesTheOthersByteForByte) {
+    const std::string one = R"({"n":1.50,"big":12345678901234567890123,"text":"\u0000 سلام"})";
+    const auto fresh = R"({"list":[)" + one + "]}";
+
+    const struct {
+        std::optional<std::string> stored;
+        std::optional<std::string> after;
+    } cases[] = {
+        {std::nullopt, fresh},
+        {R"('{"list":[]}')", fresh},
+        {R"('{"a":{"list":[]},"list":[1.50,1e999,-0,98765432109876543210,"\/\u00e9"],"z":null}')",
+         R"({"a":{"list":[]},"list":[1.50,1e999,-0,98765432109876543210,"\/\u00e9",)" + one +
+             R"(],"z":null})"},
+        {"'7'", {}},
+        {"'null'", {}},
+        {"'{}'", {}},
+        {"'[[]]'", {}},
+        {R"('{"list":null}')", {}},
+        {R"('{"list":{}}')", {}},
+        {R"('{"list":[')", {}},
+        {R"('{"list":[]}}')", {}},
+        {"''", {}},
+        {"x'00FF80'", {}},
+        {"'" + std::string(10'000, '[') + "'", {}},
+    };
+
+    UserDefaults defaults(file_);
+    defaults.setObject(1, "other");
+    Stranger stranger(file_);
+    for (const auto& [stored, after] : cases) {
+        SCOPED_TRACE(stored.value_or("missing").substr(0, 80));
+        log_.clear();
+        stranger.run(stored ? "REPLACE INTO defaults(key, value) VALUES('key', " + *stored + ")"
+                            : "DELETE FROM defaults WHERE key = 'key'");
+        const auto before = stranger.valueOf("key");
+
+        defaults.appendToList("list", fresh, "key");
+
+        EXPECT_EQ(stranger.valueOf("key"), after ? after : before);
+        EXPECT_EQ(log_.has("\"key\""), !after);
+        defaults.appendToList("list", std::nullopt, "key");
+        EXPECT_EQ(stranger.valueOf("key"), after ? after : before);
     }
     EXPECT_THAT(movedAside(folder_.path()), IsEmpty());
 }

@@ -3,6 +3,7 @@
 #include "platform/UserDefaults.h"
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -40,6 +41,12 @@ public:
         EXPECT_EQ(sqlite3_exec(connection_, query.c_str(), add, &found, nullptr), SQLITE_OK)
             << query << ": " << sqlite3_errmsg(connection_);
         return found;
+    }
+
+    /// The value of a key, as it is stored.
+    std::optional<std::string> valueOf(const std::string& key) {
+        const auto found = rows("SELECT value FROM defaults WHERE key = '" + key + "'");
+        return found.empty() ? std::nullopt : std::optional(found.front());
     }
 
 private:
