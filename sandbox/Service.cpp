@@ -1,6 +1,7 @@
 #include "sandbox/Service.h"
 
 #include "sandbox/Answers.h"
+#include "sandbox/BodyRules.h"
 #include "sandbox/Geocoder.h"
 #include "sandbox/HeaderRules.h"
 #include "sandbox/Media.h"
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <utility>
 
 namespace velmora::sandbox {
 
@@ -171,6 +173,7 @@ bool Service::mayPass(const Request& request) const {
 }
 
 Response Service::offerAds(Call& call) {
+    for (auto& problem : suggestionBodyProblems(call.body)) call.problems.push_back(std::move(problem));
     auto user = call.request.header("t-user-id").value_or("");
     if (user.empty()) user = "user-" + randomText(8);
     users_.remember(user, call.body);

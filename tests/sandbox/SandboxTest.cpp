@@ -2,6 +2,7 @@
 
 #include "model/VLDefaults.h"
 #include "model/VLDirectAdSuggestionRequestJsonParams.h"
+#include "model/VLFinalStatesModel.h"
 #include "model/VLSuggestionListDirectResponseModel.h"
 #include "net/VLWebServices.h"
 #include "support/Await.h"
@@ -9,6 +10,7 @@
 #include "support/Exchange.h"
 #include "support/Files.h"
 #include "support/LastEntry.h"
+#include "support/Records.h"
 #include "support/TemporaryDirectory.h"
 
 #include <set>
@@ -26,6 +28,7 @@ namespace json = boost::json;
 using sandbox::Options;
 using sandbox::Sandbox;
 using testing::ElementsAre;
+using testing::ElementsAreArray;
 using testing::IsEmpty;
 using testing::StartsWith;
 
@@ -149,13 +152,53 @@ TEST(Sandbox, WhatIsWrongWithTheHeadersIsSaidInWords) {
     EXPECT_EQ(service.ledger().at("problems").as_uint64(), cases.size() + 1);
 }
 
+TEST(Sandbox, WhatIsWrongWithTheBodyOfASuggestionRequestIsSaidInWords) {
+    const Sandbox service;
+    const auto headers = admitted(service);
+    const std::string states = R"("finalStatesRequest": {"states": []})";
+    const auto withState = [](const std::string& state) {
+        return R"("clientRequestedCacheType": 1, "finalStatesRequest": {"states": [)" + state + "]}";
+    };
+    const struct {
+        std::string body;
+        std::vector<std::string> problems;
+    } cases[] = {
+        {R"("clientRequestedCacheType": 2, "zoneId": "z", )" + states, {}},
+        {withState(R"({"suggestionId": "a", "state": 3, "extraInfo": {"passedDuration": "0"}})"), {}},
+        {"", {"clientRequestedCacheType is missing", "finalStatesRequest is missing"}},
+        {R"("clientRequestedCacheType": 3, "zoneId": "", )" + states,
+         {"clientRequestedCacheType is 3, not 1 or 2", "zoneId is \"\", not some text"}},
+        {R"("clientRequestedCacheType": "1", "zoneId": 7, )" + states,
+         {"clientRequestedCacheType is \"1\", not 1 or 2", "zoneId is 7, not some text"}},
+        {R"("clientRequestedCacheType": 1, "userExtraInfo": {}, )" + states, {"userExtraInfo is not known"}},
+        {R"("clientRequestedCacheType": 1, "finalStatesRequest": [])",
+         {"finalStatesRequest is [], not an object"}},
+        {R"("clientRequestedCacheType": 1, "finalStatesRequest": {"state": 1})",
+         {"finalStatesRequest.states is missing", "finalStatesRequest.state is not known"}},
+        {withState("7"), {"finalStatesRequest.states is [7], not a list of objects"}},
+        {withState(R"({"suggestionId": 7, "state": 5, "extraInfo": "", "more": 1})"),
+         {"states[0].suggestionId is 7, not some text", "states[0].state is 5, not 1, 2 or 3",
+          "states[0].extraInfo is \"\", not an object", "states[0].more is not known"}},
+    };
+    std::size_t problems = 0;
+    for (const auto& one : cases) {
+        offer(service, headers, "{" + one.body + "}");
+        EXPECT_THAT(lastProblems(service), ElementsAreArray(one.problems)) << one.body;
+        problems += one.problems.size();
+    }
+    EXPECT_EQ(service.ledger().at("problems").as_uint64(), problems);
+}
+
 TEST(Sandbox, TheLibraryItselfGivesNoCauseForComplaint) {
     const Sandbox service;
     const Environment base("VELMORA_API_BASE_URL", service.plainApiUrl().c_str());
     VLDefaults::setDeveloperKey("key \xC3\xBC 1");
     const auto ends = std::make_shared<Await<std::size_t>>();
     VLWebServices::getAdSuggestionsWithBody(
-        std::make_shared<VLDirectAdSuggestionRequestJsonParams>(2, "random", nullptr, nullptr),
+        std::make_shared<VLDirectAdSuggestionRequestJsonParams>(
+            2, "random",
+            read<VLFinalStatesModel>(R"({"states": [{"suggestionId": "a", "state": 2, "extraInfo": {}}]})"),
+            nullptr),
         [ends](const auto& list) { ends->add(list->suggestions.get()->size()); },
         [ends](const VLClientError&) { ends->add(0); });
     ASSERT_TRUE(ends->count(1));
