@@ -43,7 +43,7 @@ void AdDesk::request(const QString& zone, const Settings& settings) {
     if (standing(zone) == Standing::asking) return;
     places_[zone] = {.standing = Standing::asking, .ad = nullptr};
     auto asked = eventNow("request", zone);
-    asked.detail = settings.cacheType == 1 ? "cached" : "streamed";
+    asked.detail = settings.cacheType == velmora::VLCacheType::cached ? "cached" : "streamed";
     emit happened(asked);
     emit changed(zone);
 

@@ -4,7 +4,6 @@
 
 #include <velmora/velmora.h>
 
-#include <cstdint>
 #include <map>
 #include <memory>
 
@@ -16,10 +15,8 @@ class MainThread;
 
 /// How an ad is fetched and shown, as the window's switches say.
 struct Settings {
-    /// 1 cached, 2 streamed.
-    std::int64_t cacheType = 2;
-    /// As `VLAdShowOptions` takes it.
-    std::int64_t orientation = 3;
+    velmora::VLCacheType cacheType = velmora::VLCacheType::streamed;
+    velmora::VLOrientation orientation = velmora::VLOrientation::any;
     bool backDisabled = false;
     bool dialog = false;
 };

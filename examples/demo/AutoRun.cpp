@@ -115,7 +115,7 @@ void AutoRun::say(const VastAnswer& answer) const {
         return print(line);
     }
     std::cout << verdict(wrong) << qPrintable(answer.question.zone.leftJustified(17)) << "VAST "
-              << answer.question.version << ".0 for a player of one's own" << std::endl;
+              << qPrintable(answer.question.versionText()) << " for a player of one's own" << std::endl;
     for (const auto& words : wrong) std::cout << "      " << qPrintable(words) << std::endl;
 }
 

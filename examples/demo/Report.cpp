@@ -124,9 +124,8 @@ QString tableOf(const QString& heading, const QList<Fact>& facts) {
 QString sectionOf(const VastAnswer& answer) {
     const auto wrong = VastVisits::deviations(answer);
     auto html =
-        QString("<section>\n<div class='head'><h2>VAST %1.0</h2><span>the pre-roll of %2</span>%3</div>\n")
-            .arg(answer.question.version)
-            .arg(answer.question.zone,
+        QString("<section>\n<div class='head'><h2>VAST %1</h2><span>the pre-roll of %2</span>%3</div>\n")
+            .arg(answer.question.versionText(), answer.question.zone,
                  pill(wrong.isEmpty(), wrong.isEmpty() ? "as planned" : "not as planned"));
     if (!wrong.isEmpty()) html += "<ul class='bad'><li>" + wrong.join("; ").toHtmlEscaped() + "</li></ul>\n";
     return html + "<div class='columns'>\n" + tableOf("What the service answered", answer.facts()) +

@@ -2,10 +2,24 @@
 
 #include "CardGrid.h"
 
+#include <utility>
+
 #include <QCheckBox>
 #include <QComboBox>
 
 namespace demo {
+
+using velmora::VLCacheType;
+using velmora::VLOrientation;
+
+namespace {
+
+template <class Enumeration>
+int number(Enumeration name) {
+    return static_cast<int>(name);
+}
+
+}  // namespace
 
 SettingsBar::SettingsBar(QWidget* parent)
     : QFrame(parent),
@@ -14,14 +28,17 @@ SettingsBar::SettingsBar(QWidget* parent)
       backDisabled_(new QCheckBox("No exit button")),
       dialog_(new QCheckBox("Dialog on leaving")) {
     setObjectName("sheet");
-    fetched_->addItem("Streamed", 2);
-    fetched_->addItem("Cached", 1);
+    fetched_->addItem("Streamed", number(VLCacheType::streamed));
+    fetched_->addItem("Cached", number(VLCacheType::cached));
     fetched_->setToolTip("Whether the video is played from its URL, or downloaded before the ad is offered");
-    orientation_->addItem("Any orientation", 3);
-    orientation_->addItem("Portrait", 1);
-    orientation_->addItem("Portrait upside down", 5);
-    orientation_->addItem("Landscape left", 2);
-    orientation_->addItem("Landscape right", 4);
+    const std::pair<const char*, VLOrientation> orientations[]{
+        {"Any orientation", VLOrientation::any},
+        {"Portrait", VLOrientation::portrait},
+        {"Portrait upside down", VLOrientation::portraitUpsideDown},
+        {"Landscape left", VLOrientation::landscapeLeft},
+        {"Landscape right", VLOrientation::landscapeRight},
+    };
+    for (const auto& [words, orientation] : orientations) orientation_->addItem(words, number(orientation));
     orientation_->setToolTip("Which orientations the ad allows; nothing is turned by the library");
     backDisabled_->setToolTip("The back-disabled option: a video has no exit button");
     dialog_->setToolTip("The dialog option: leaving a video before its end does not by itself end the show");
@@ -34,8 +51,8 @@ SettingsBar::SettingsBar(QWidget* parent)
 }
 
 Settings SettingsBar::settings() const {
-    return {.cacheType = fetched_->currentData().toInt(),
-            .orientation = orientation_->currentData().toInt(),
+    return {.cacheType = static_cast<VLCacheType>(fetched_->currentData().toInt()),
+            .orientation = static_cast<VLOrientation>(orientation_->currentData().toInt()),
             .backDisabled = backDisabled_->isChecked(),
             .dialog = dialog_->isChecked()};
 }

@@ -1,5 +1,7 @@
 #include "StoredState.h"
 
+#include <velmora/enumerations.h>
+
 #include <memory>
 
 #include <QCoreApplication>
@@ -70,10 +72,11 @@ StoredState StoredState::read(const QString& file) {
                            .percentage = one["donePercentage"].toDouble(),
                            .seconds = one["doneSeconds"].toDouble()});
     for (const auto& one : objects(reader.value("cachedAds")["cachedVelmoraAds"]))
-        state.ready.append({.suggestionId = one["mAd"]["suggestionId"].toString(),
-                            .zone = one["zoneId"].toString(),
-                            .isCached = one["requestOptions"]["mCacheType"].toInt() == 1,
-                            .since = static_cast<qint64>(one["cacheTime"].toDouble())});
+        state.ready.append(
+            {.suggestionId = one["mAd"]["suggestionId"].toString(),
+             .zone = one["zoneId"].toString(),
+             .isCached = one["requestOptions"]["mCacheType"].toInt() == velmora::VLCacheType::cached,
+             .since = static_cast<qint64>(one["cacheTime"].toDouble())});
     return state;
 }
 

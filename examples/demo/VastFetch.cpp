@@ -97,7 +97,7 @@ QList<Fact> VastAnswer::facts() const {
 QStringList VastAnswer::deviations(bool hasAd) const {
     QStringList wrong;
     if (!error.isEmpty()) wrong << error;
-    const auto wanted = QString("%1.0").arg(question.version);
+    const auto wanted = question.versionText();
     if (version != wanted) wrong << QString("expected VAST %1; came \"%2\"").arg(wanted, version);
     if ((ads == 1) != hasAd || (mediaFiles.size() == 1) != hasAd)
         wrong << QString("expected %1 ad; came %2 with %3 videos")
@@ -110,7 +110,7 @@ QStringList VastAnswer::deviations(bool hasAd) const {
 QJsonObject toJson(const VastAnswer& answer) {
     return {{"event", "vast"},
             {"zone", answer.question.zone},
-            {"type", answer.question.type},
+            {"type", static_cast<int>(answer.question.type)},
             {"url", answer.url},
             {"status", answer.status},
             {"version", answer.version},

@@ -2,6 +2,8 @@
 
 #include "Fact.h"
 
+#include <velmora/enumerations.h>
+
 #include <QJsonObject>
 #include <QNetworkAccessManager>
 #include <QObject>
@@ -12,8 +14,11 @@ namespace demo {
 /// What a VAST URL is made for.
 struct VastQuestion {
     QString zone = "rewarded-video";
-    int type = 1;
-    int version = 3;
+    velmora::VLPrerollType type = velmora::VLPrerollType::notSkippable;
+    velmora::VLVastVersion version = velmora::VLVastVersion::v3;
+
+    /// As VAST itself writes it.
+    [[nodiscard]] QString versionText() const { return QString("%1.0").arg(static_cast<int>(version)); }
 };
 
 /// A VAST URL, and what lay behind it.

@@ -10,6 +10,9 @@
 
 namespace demo {
 
+using velmora::VLPrerollType;
+using velmora::VLVastVersion;
+
 namespace {
 
 constexpr int kNarrowestChoice = 200;
@@ -31,10 +34,10 @@ VastView::VastView(QWidget* parent)
       make_(new QPushButton("Make and fetch")),
       words_(new RichLabel) {
     for (const auto& zone : kZones) zone_->addItem(zone.name, zone.name);
-    type_->addItem("Not to be skipped", 1);
-    type_->addItem("May be skipped", 2);
-    version_->addItem("VAST 3.0", 3);
-    version_->addItem("VAST 2.0", 2);
+    type_->addItem("Not to be skipped", QVariant::fromValue(VLPrerollType::notSkippable));
+    type_->addItem("May be skipped", QVariant::fromValue(VLPrerollType::skippable));
+    version_->addItem("VAST 3.0", QVariant::fromValue(VLVastVersion::v3));
+    version_->addItem("VAST 2.0", QVariant::fromValue(VLVastVersion::v2));
     make_->setObjectName("first");
 
     auto* column = new QVBoxLayout(this);
@@ -54,8 +57,8 @@ VastView::VastView(QWidget* parent)
 
 void VastView::show(const VastAnswer& answer) {
     zone_->setCurrentIndex(zone_->findData(answer.question.zone));
-    type_->setCurrentIndex(type_->findData(answer.question.type));
-    version_->setCurrentIndex(version_->findData(answer.question.version));
+    type_->setCurrentIndex(type_->findData(QVariant::fromValue(answer.question.type)));
+    version_->setCurrentIndex(version_->findData(QVariant::fromValue(answer.question.version)));
     answer_ = answer;
     refresh();
 }
@@ -63,8 +66,8 @@ void VastView::show(const VastAnswer& answer) {
 void VastView::ask() {
     make_->setEnabled(false);
     fetch_.fetch({.zone = zone_->currentData().toString(),
-                  .type = type_->currentData().toInt(),
-                  .version = version_->currentData().toInt()});
+                  .type = type_->currentData().value<VLPrerollType>(),
+                  .version = version_->currentData().value<VLVastVersion>()});
 }
 
 void VastView::refresh() {

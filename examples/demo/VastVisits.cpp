@@ -10,7 +10,10 @@ const QStringList kWithoutVideo{"banner", "no-fill", "unsupported"};
 }  // namespace
 
 VastVisits::VastVisits(const QString& zone, QObject* parent) : QObject(parent) {
-    for (const int version : {2, 3}) questions_ << VastQuestion{.zone = zone, .type = 2, .version = version};
+    for (const auto version : {velmora::VLVastVersion::v2, velmora::VLVastVersion::v3}) {
+        questions_ << VastQuestion{
+            .zone = zone, .type = velmora::VLPrerollType::skippable, .version = version};
+    }
     connect(&fetch_, &VastFetch::came, this, [this](const VastAnswer& answer) {
         answers_ << answer;
         askNext();

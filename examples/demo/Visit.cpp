@@ -52,7 +52,9 @@ void Visit::start() {
     step_ = {.words = "the answer to the request", .patience = 30s, .isReady = [] { return false; }};
     sinceStep_.start();
     often_.start(kLook);
-    around_.desk.request(record_.scenario.zone, {.cacheType = record_.scenario.isCached ? 1 : 2});
+    around_.desk.request(record_.scenario.zone,
+                         {.cacheType = record_.scenario.isCached ? velmora::VLCacheType::cached
+                                                                 : velmora::VLCacheType::streamed});
 }
 
 void Visit::hear(const Event& event) {
