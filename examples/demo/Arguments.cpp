@@ -2,12 +2,10 @@
 
 #include "Zones.h"
 
-#include <algorithm>
-#include <cstring>
-#include <iostream>
+#include <string>
+#include <vector>
 
-#include <QCommandLineParser>
-#include <QCoreApplication>
+#include <CommandLine.h>
 #include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -24,17 +22,6 @@ std::optional<QSize> sizeFrom(const QString& text) {
     const auto match = pattern.match(text);
     if (!match.hasMatch()) return std::nullopt;
     return QSize(match.captured(1).toInt(), match.captured(2).toInt());
-}
-
-/// Ahead of the parser, which needs an application.
-QString valueOf(const char* option, int count, char** words) {
-    const QString name(option);
-    for (int index = 1; index < count; ++index) {
-        const auto word = QString::fromLocal8Bit(words[index]);
-        if (word == name && index + 1 < count) return QString::fromLocal8Bit(words[index + 1]);
-        if (word.startsWith(name + '=')) return word.mid(name.size() + 1);
-    }
-    return {};
 }
 
 QString screenFile(QSize size) {
@@ -54,13 +41,17 @@ QString screenFile(QSize size) {
     return file.fileName();
 }
 
-bool isZone(const QString& name) {
-    return std::any_of(kZones.begin(), kZones.end(), [&](const Zone& zone) { return name == zone.name; });
+std::vector<std::string> zoneNames() {
+    std::vector<std::string> names;
+    for (const auto& zone : kZones) names.emplace_back(zone.name);
+    return names;
 }
 
-std::nullopt_t complain(const QString& words) {
-    std::cerr << "velmora-demo: " << words.toStdString() << "; see --help\n";
-    return std::nullopt;
+/// Sets `target` to what is given.
+CLI::Option* addText(CLI::App& program, const std::string& option, QString& target,
+                     const std::string& words) {
+    return program.add_option_function<std::string>(
+        option, [&target](const std::string& text) { target = QString::fromStdString(text); }, words);
 }
 
 }  // namespace
@@ -69,53 +60,44 @@ bool hasDisplay() {
     return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
 }
 
-void prepareDisplay(int count, char** words) {
+void prepareDisplay(QSize size) {
     if (hasDisplay() || qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) return;
-    const auto size = sizeFrom(valueOf("--size", count, words)).value_or(Arguments().size);
     const auto file = screenFile(size);
     qputenv("QT_QPA_PLATFORM", file.isEmpty() ? "offscreen" : "offscreen:configfile=" + file.toLocal8Bit());
     // No sound card either, as a rule.
     if (!qEnvironmentVariableIsSet("ALSOFT_DRIVERS")) qputenv("ALSOFT_DRIVERS", "null");
 }
 
-std::optional<Arguments> parse(const QCoreApplication& application) {
-    QCommandLineParser parser;
-    parser.setApplicationDescription(
-        "A window to ask for ads and to see them, and what the library tells about them.\n"
-        "VELMORA_API_BASE_URL names the service, VELMORA_CA_FILE the certificates to trust.");
-    parser.addHelpOption();
-    parser.addOptions({
-        {"auto",
-         "Run every zone to its end, leave a report, and end: with status 0 when all went as the zones say. "
-         "This is what happens without a display."},
-        {"zone", "Run this zone only.", "name"},
-        {"report", "Where the report of --auto goes.", "folder"},
-        {"json", "Print a line of JSON for every event."},
-        {"size", "The window's size; without a display, the screen's too.", "WxH", "1280x800"},
-        {"dark", "Begin with dark colours."},
-        {"inspector", "The sandbox ad service's inspector, whose ledger goes into the report.", "URL"},
-        {"facts", "The program that prints what the library finds out about this device.", "program"},
-        {"debug", "Print what the library logs, on standard error."},
-    });
-    parser.process(application);
+std::optional<int> read(int count, char** words, Arguments& arguments) {
+    CLI::App program("A window to ask for ads and to see them, and what the library tells about them.\n"
+                     "VELMORA_API_BASE_URL names the service, VELMORA_CA_FILE the certificates to trust.",
+                     "velmora-demo");
+    program.add_flag(
+        "--auto", arguments.isAuto,
+        "Run every zone to its end, leave a report, and end: with status 0 when all went as the zones say. "
+        "This is what happens without a display.");
+    addText(program, "--zone", arguments.zone, "Run this zone only.")->check(CLI::IsMember(zoneNames()));
+    addText(program, "--report", arguments.report, "Where the report of --auto goes: a folder.");
+    program.add_flag("--json", arguments.json, "Print a line of JSON for every event.");
+    program.add_option_function<std::string>(
+        "--size",
+        [&arguments](const std::string& text) {
+            const auto size = sizeFrom(QString::fromStdString(text));
+            if (!size) throw CLI::ValidationError("--size takes a width and a height, as in 390x844");
+            arguments.size = *size;
+        },
+        "The window's size, as in 390x844; without a display, the screen's too.");
+    program.add_flag("--dark", arguments.dark, "Begin with dark colours.");
+    addText(program, "--inspector", arguments.inspector,
+            "The URL of the sandbox ad service's inspector, whose ledger goes into the report.");
+    addText(program, "--facts", arguments.facts,
+            "The program that prints what the library finds out about this device.");
+    program.add_flag("--debug", arguments.debug, "Print what the library logs, on standard error.");
+    if (const auto end = readCommandLine(program, count, words)) return end;
 
-    Arguments arguments;
-    const auto size = sizeFrom(parser.value("size"));
-    if (!size) return complain("--size takes a width and a height, as in 390x844");
-    if (!parser.positionalArguments().isEmpty()) return complain("nothing stands without an option");
-    if (parser.isSet("zone") && !isZone(parser.value("zone")))
-        return complain("there is no zone \"" + parser.value("zone") + "\"");
-    arguments.isAuto = parser.isSet("auto") || !hasDisplay();
-    arguments.json = parser.isSet("json");
-    arguments.dark = parser.isSet("dark");
-    arguments.debug = parser.isSet("debug");
-    arguments.zone = parser.value("zone");
-    arguments.report = parser.value("report");
-    arguments.inspector = parser.value("inspector");
+    if (!hasDisplay()) arguments.isAuto = true;
     if (!arguments.inspector.isEmpty() && !arguments.inspector.endsWith('/')) arguments.inspector += '/';
-    arguments.facts = parser.value("facts");
-    arguments.size = *size;
-    return arguments;
+    return std::nullopt;
 }
 
 }  // namespace demo

@@ -5,8 +5,6 @@
 #include <QSize>
 #include <QString>
 
-class QCoreApplication;
-
 namespace demo {
 
 /// What the command line asks for.
@@ -28,12 +26,12 @@ struct Arguments {
     QSize size{1280, 800};
 };
 
-/// Absent when the command line is at fault, which it has said then. Ends the process for `--help`.
-[[nodiscard]] std::optional<Arguments> parse(const QCoreApplication& application);
+/// Reads the command line into `arguments`. The status to end with when the program is not to go on.
+[[nodiscard]] std::optional<int> read(int count, char** words, Arguments& arguments);
 
 /// What has to be settled before there is an application: without a display the window lives in memory, on a
-/// screen of the size that the command line names.
-void prepareDisplay(int count, char** words);
+/// screen of this size.
+void prepareDisplay(QSize size);
 
 [[nodiscard]] bool hasDisplay();
 

@@ -34,25 +34,24 @@ bool isDarkDesktop() { return QApplication::palette().color(QPalette::Window).li
 }  // namespace
 
 int main(int count, char** words) {
-    demo::prepareDisplay(count, words);
+    demo::Arguments arguments;
+    if (const auto end = demo::read(count, words, arguments)) return *end;
+    demo::prepareDisplay(arguments.size);
     QApplication application(count, words);
-    QApplication::setApplicationName("velmora-demo");
-    const auto arguments = demo::parse(application);
-    if (!arguments) return 2;
     QApplication::setStyle("Fusion");
-    (arguments->dark || isDarkDesktop() ? demo::Theme::dark() : demo::Theme::light()).apply();
-    initialise(arguments->debug);
+    (arguments.dark || isDarkDesktop() ? demo::Theme::dark() : demo::Theme::light()).apply();
+    initialise(arguments.debug);
 
     demo::AdDesk desk;
-    if (arguments->json) QObject::connect(&desk, &demo::AdDesk::happened, &print);
-    demo::DeviceFacts facts(arguments->facts);
-    demo::MainWindow window(desk, facts, *arguments);
+    if (arguments.json) QObject::connect(&desk, &demo::AdDesk::happened, &print);
+    demo::DeviceFacts facts(arguments.facts);
+    demo::MainWindow window(desk, facts, arguments);
     window.show();
     facts.look();
 
     std::optional<demo::AutoRun> run;
-    if (arguments->isAuto) {
-        run.emplace(desk, window, facts, *arguments);
+    if (arguments.isAuto) {
+        run.emplace(desk, window, facts, arguments);
         QObject::connect(&*run, &demo::AutoRun::finished, &application, &QApplication::exit,
                          Qt::QueuedConnection);
         // When the window is there to show something over.

@@ -1,26 +1,26 @@
 #pragma once
 
-#include <cstdint>
+#include <CommandLine.h>
+
 #include <optional>
 #include <string>
 
-class QCoreApplication;
+#include <velmora/enumerations.h>
 
 namespace request {
 
 /// What the command line asks for.
 struct Options {
-    std::string appKey;
+    std::string appKey = "demo-key";
     std::optional<std::string> zone;
-    /// 1 cached, 2 streamed.
-    std::int64_t cacheType = 2;
+    velmora::VLCacheType cacheType = velmora::VLCacheType::streamed;
     int count = 1;
     int parallel = 1;
     bool waitForExpiry = false;
     bool debug = false;
 };
 
-/// Absent when the command line is at fault, which it has said then. Ends the process for `--help`.
-[[nodiscard]] std::optional<Options> parse(const QCoreApplication& application);
+/// Lets the command line fill the options in, which must outlive it.
+void addTo(CLI::App& program, Options& options);
 
 }  // namespace request

@@ -6,16 +6,20 @@
 #include <QCoreApplication>
 
 int main(int count, char** arguments) {
+    request::Options options;
+    CLI::App program("Asks the ad service for ads and prints a line of JSON for every callback.\n"
+                     "VELMORA_API_BASE_URL names the service, VELMORA_CA_FILE the certificates to trust.\n"
+                     "Ends with status 0 when every request had its answer, whichever it was.",
+                     "velmora-request");
+    request::addTo(program, options);
+    if (const auto end = readCommandLine(program, count, arguments)) return *end;
+
     QCoreApplication application(count, arguments);
-    QCoreApplication::setApplicationName("velmora-request");
-    const auto options = request::parse(application);
-    if (!options) return 2;
-
     auto configuration = std::make_shared<velmora::VLConfiguration>();
-    configuration->setDebugMode(options->debug);
-    velmora::Velmora::initializeWithAppKey(options->appKey, configuration);
+    configuration->setDebugMode(options.debug);
+    velmora::Velmora::initializeWithAppKey(options.appKey, configuration);
 
-    request::Requests requests(*options);
+    request::Requests requests(options);
     QObject::connect(&requests, &request::Requests::finished, &application, &QCoreApplication::quit);
     QMetaObject::invokeMethod(&requests, &request::Requests::start, Qt::QueuedConnection);
     return QCoreApplication::exec();

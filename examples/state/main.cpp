@@ -1,5 +1,7 @@
 // What an application's start looks like: it initialises the library, and the library remembers.
 
+#include <CommandLine.h>
+
 #include <velmora/velmora.h>
 
 #include <iostream>
@@ -12,7 +14,7 @@ namespace {
 
 const char* yesOrNo(bool flag) { return flag ? "yes" : "no"; }
 
-void initialise(const char* key, const char* user) {
+void initialise(const std::string& key, const std::string& user) {
     auto configuration = std::make_shared<velmora::VLConfiguration>();
     configuration->setDebugMode(true);
     configuration->setAppUserId(user);
@@ -29,9 +31,16 @@ void printState() {
 
 }  // namespace
 
-// Without arguments: prints what an earlier run stored. With a key and a user: stores them first.
-int main(int count, char** arguments) {
-    if (count == 3) initialise(arguments[1], arguments[2]);
+int main(int count, char** words) {
+    std::string key;
+    std::string user;
+    CLI::App program("Prints what the library remembers of an earlier run, or of a key and a user given now.",
+                     "velmora-state");
+    auto* keyOption = program.add_option("key", key, "The application's key, to be stored first.");
+    keyOption->needs(program.add_option("user", user, "The application's own identifier of its user."));
+    if (const auto end = readCommandLine(program, count, words)) return *end;
+
+    if (keyOption->count() > 0) initialise(key, user);
     printState();
     return 0;
 }

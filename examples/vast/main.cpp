@@ -1,33 +1,37 @@
 // Prints the VAST URL of a zone's pre-roll ad, for a video player of your own.
 
+#include <CommandLine.h>
+
 #include <velmora/velmora.h>
 
 #include <iostream>
 #include <string>
 
-namespace {
-
-int usage() {
-    std::cerr << "velmora-vast ZONE [TYPE] [VERSION] [KEY] [USER]: the pre-roll's type is 1 or 2, VAST's "
-                 "version 2 or 3; "
-                 "1 and 3 when not given\n";
-    return 2;
-}
-
-}  // namespace
+using velmora::VLPrerollType;
+using velmora::VLVastVersion;
 
 int main(int count, char** words) {
-    if (count < 2 || count > 6) return usage();
-    const auto word = [&](int index, const char* otherwise) {
-        return std::string(index < count ? words[index] : otherwise);
-    };
-    auto configuration = std::make_shared<velmora::VLConfiguration>();
-    configuration->setDebugMode(false);
-    if (count > 5) configuration->setAppUserId(words[5]);
-    velmora::Velmora::initializeWithAppKey(word(4, "demo-key"), configuration);
+    std::string zone;
+    auto type = static_cast<int>(VLPrerollType::notSkippable);
+    auto version = static_cast<int>(VLVastVersion::v3);
+    std::string key = "demo-key";
+    std::string user;
+    CLI::App program("Prints the URL from which a video player fetches the pre-roll ad of a zone.",
+                     "velmora-vast");
+    program.add_option("zone", zone, "The zone.")->required();
+    program.add_option("type", type, "1: not to be skipped, 2: may be skipped; another leaves it open.")
+        ->capture_default_str();
+    program.add_option("version", version, "The version of VAST, 2 or 3; another leaves it open.")
+        ->capture_default_str();
+    program.add_option("key", key, "The application's key.")->capture_default_str();
+    program.add_option("user", user, "The application's own identifier of its user.");
+    if (const auto end = readCommandLine(program, count, words)) return *end;
 
-    const auto url = velmora::VelmoraVAST::getVastUrlForZone(word(1, ""), std::atoi(word(2, "1").c_str()),
-                                                             std::atoi(word(3, "3").c_str()));
+    auto configuration = std::make_shared<velmora::VLConfiguration>();
+    if (!user.empty()) configuration->setAppUserId(user);
+    velmora::Velmora::initializeWithAppKey(key, configuration);
+
+    const auto url = velmora::VelmoraVAST::getVastUrlForZone(zone, type, version);
     if (!url) return 1;
     std::cout << *url << std::endl;
     return 0;

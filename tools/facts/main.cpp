@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <iostream>
 
+#include <CommandLine.h>
 #include <QGuiApplication>
 #include <QTimer>
 
@@ -65,11 +66,18 @@ private:
 }  // namespace
 
 int main(int count, char** words) {
+    int patience = kUsualPatience;
+    CLI::App program(
+        "Prints what the library finds out about this device: a line of JSON at once, and again when more "
+        "comes.",
+        "velmora-facts");
+    program.add_option("milliseconds", patience, "How long to wait for more.")->capture_default_str();
+    if (const auto end = readCommandLine(program, count, words)) return *end;
+
     if (std::getenv("DISPLAY") == nullptr && std::getenv("WAYLAND_DISPLAY") == nullptr &&
         std::getenv("QT_QPA_PLATFORM") == nullptr)
         setenv("QT_QPA_PLATFORM", "offscreen", 1);
     const QGuiApplication application(count, words);
-    const int patience = count > 1 ? std::atoi(words[1]) : kUsualPatience;
     velmora::VLUserExtraInfoModelGate::open();
 
     Facts facts;
