@@ -91,7 +91,6 @@ std::shared_ptr<VLDataTask> VLClient::sendRequestOfMethod(
     VLHttpRequestMethod method, const std::string& toPath, const std::optional<Dictionary>& withParams,
     const std::optional<Dictionary>& withBody, bool andIncludeCustomHeaders, const VLReceive& receive,
     const VLClientSuccess& success, const VLClientFailure& failure) {
-    platform::UrlSession::expectRequest();
     const auto data = withBody && carriesBody(method) ? platform::writeJson(*withBody) : std::nullopt;
     const auto url =
         platform::percentEncoded(textOf(toPath, withParams), platform::UrlCharacters::queryAllowed);

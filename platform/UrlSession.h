@@ -18,8 +18,7 @@ struct UrlRequest {
     /// Names compare without case (RFC 9110, 5.1).
     std::vector<std::pair<std::string, std::string>> headers;
     std::optional<std::string> body;
-    /// Refuse to send it over http to any host but a loopback one, and to follow a redirect to any http
-    /// address.
+    /// Refuse to send it over http to any host but a loopback one, also where a redirect leads there.
     bool requiresSecureTransport = false;
 
     /// Replaces the header of that name, or adds it.
@@ -101,10 +100,6 @@ public:
     using Completion = std::function<void(UrlOutcome outcome)>;
 
     [[nodiscard]] static UrlSession& shared();
-
-    /// Says that a request is being put together, so that the session is awake when it comes. Costs little,
-    /// and nothing when none comes.
-    static void expectRequest();
 
     /// Prepares `request`; nothing is sent before the task's `resume()`. A task that is dropped goes on.
     ///

@@ -2,31 +2,27 @@
 
 #include "platform/Mutex.h"
 #include "platform/desktop/CurlTransfer.h"
+#include "platform/desktop/DelegateQueue.h"
 
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <deque>
-#include <functional>
 #include <map>
 #include <memory>
-#include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <curl/curl.h>
 
 namespace velmora::platform {
 
-/// Runs libcurl, keeps at most so many transfers of a host in flight, and completes them one at a time, in
-/// the order in which they ended.
-///
-/// Two threads share the two roles. One that has received an answer runs its completion itself and leaves the
-/// receiving to the other, which need not be woken when nothing else is in flight: waking a thread takes
-/// about as long as a small exchange over loopback (bench-network).
+/// Runs libcurl, and nothing else, on a thread of its own, with at most so many transfers of a host in
+/// flight. What ends is completed on the delegate queue, in the order in which it ended.
 class CurlLoop {
 public:
+    using Transfer = std::shared_ptr<CurlTransfer>;
+
     /// Lives as long as the process.
     CurlLoop();
     CurlLoop(const CurlLoop&) = delete;
@@ -34,26 +30,17 @@ public:
 
     /// Starts a transfer, or ends it when it was cancelled meanwhile. Any thread.
     ///
-    /// Where the machine has no thread left to start, the transfer ends in an error, and its completion runs
-    /// on the calling thread.
-    void submit(std::shared_ptr<CurlTransfer> transfer);
+    /// Where the machine has no thread left to start, the transfer ends in an error.
+    void submit(const Transfer& transfer);
 
-    /// A transfer is being put together: a thread wakes meanwhile, because that takes about as long. Any
-    /// thread.
-    void expect();
-
-    /// Has `work` run where completions run; once the process leaves, drops it.
-    void deliver(std::function<void()> work);
-
-    /// Ends both roles, for the end of the process; a completion that takes too long goes on alone. Nothing
-    /// is completed any more.
+    /// For the end of the process: ends the loop and the queue, and waits for both a second in all. What does
+    /// not end in time goes on alone. Nothing is completed any more.
     void leave();
 
+    DelegateQueue delegateQueue;
     std::atomic<std::chrono::milliseconds> idleTimeout;
 
 private:
-    using Transfer = std::shared_ptr<CurlTransfer>;
-
     /// The transfers of one host.
     struct Host {
         std::size_t inFlight = 0;
@@ -65,54 +52,32 @@ private:
         std::string host;
     };
 
-    /// False when there is none. A second one that cannot start is tried again the next time.
-    [[nodiscard]] bool startThreads() VELMORA_REQUIRES(mutex_);
-    void work();
-    [[nodiscard]] bool mustReceive() const VELMORA_REQUIRES(mutex_);
-    /// Does `what` in the role of the thread that receives.
-    void receive(void (CurlLoop::*what)()) VELMORA_REQUIRES(mutex_);
-    void complete() VELMORA_REQUIRES(mutex_);
+    [[nodiscard]] bool startThread() VELMORA_REQUIRES(mutex_);
+    void run();
 
-    /// Waits a moment for what is expected, without sleeping.
-    void linger();
-    void turn();
-    [[nodiscard]] bool mayHoldBack() const;
-    void takeIn();
-    void takeIn(Transfer transfer);
+    void handleSubmitted();
+    void queueForItsHost(const Transfer& transfer);
+    void cancel(const Transfer& transfer);
     void startWaiting(const std::string& host);
-    [[nodiscard]] CurlHandle freshHandle();
-    void endDone();
-    void endIdle();
-    void sleep();
-    /// Takes a transfer out of flight and ends it with a result of libcurl's, or with an error of ours.
-    template <class Result>
-    void land(CURL* handle, Result result);
+    [[nodiscard]] bool start(const Transfer& transfer);
+    void performTransfers();
+    void endIdleTransfers();
+    void waitForEvents();
+    /// Out of flight: another one of its host may start.
+    Transfer takeOut(CURL* handle);
 
     CURLM* const multi_;
     CURLSH* const share_;
 
-    mutable Mutex mutex_;
+    Mutex mutex_;
     std::condition_variable_any changed_;
     std::vector<Transfer> submitted_ VELMORA_GUARDED_BY(mutex_);
-    std::deque<std::function<void()>> ended_ VELMORA_GUARDED_BY(mutex_);
-    std::vector<std::thread::id> threads_ VELMORA_GUARDED_BY(mutex_);
-    bool receiving_ VELMORA_GUARDED_BY(mutex_) = false;
-    bool anyInFlight_ VELMORA_GUARDED_BY(mutex_) = false;
-    bool expecting_ VELMORA_GUARDED_BY(mutex_) = false;
-    std::chrono::steady_clock::time_point warmUntil_ VELMORA_GUARDED_BY(mutex_);
-    std::optional<std::thread::id> completing_ VELMORA_GUARDED_BY(mutex_);
-    std::atomic<bool> anySubmitted_ = false;
-    std::atomic<bool> maySleep_ = false;
+    bool isRunning_ VELMORA_GUARDED_BY(mutex_) = false;
     std::atomic<bool> leaving_ = false;
 
-    /// Of the thread that receives.
+    /// Of the loop's thread.
     std::map<std::string, Host> hosts_;
     std::map<CURL*, Flight> flights_;
-    /// Handles of ended transfers: making one costs more than most small exchanges (bench-network).
-    std::vector<CurlHandle> spare_;
-    /// Whether a transfer waits for its first turn.
-    bool startedAny_ = false;
-    bool landedAny_ = false;
 };
 
 }  // namespace velmora::platform

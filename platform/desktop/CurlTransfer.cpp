@@ -1,10 +1,12 @@
 #include "platform/desktop/CurlTransfer.h"
 
 #include "platform/Bundle.h"
+#include "platform/Immortal.h"
 #include "platform/Log.h"
 #include "platform/UrlText.h"
 #include "platform/desktop/CurlLoop.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <exception>
@@ -18,9 +20,11 @@ namespace {
 
 constexpr long kMostRedirects = 16;
 constexpr std::size_t kMostHeaderBytes = std::size_t{300} * 1024;
+constexpr long kLeastFinalStatus = 200;
+constexpr const char* kBlanks = " \t\r\n\v\f";
 constexpr long kReceiveBuffer = 128L * 1024;
 
-UrlError::Code codeOf(CURLcode code) {
+UrlError::Code generalCodeOf(CURLcode code) {
     switch (code) {
     case CURLE_URL_MALFORMAT: return UrlError::badUrl;
     case CURLE_UNSUPPORTED_PROTOCOL: return UrlError::unsupportedUrl;
@@ -36,6 +40,8 @@ UrlError::Code codeOf(CURLcode code) {
     case CURLE_RECV_ERROR:
     case CURLE_HTTP2:
     case CURLE_HTTP2_STREAM: return UrlError::networkConnectionLost;
+    // What it says of an answer that begins with a folded header.
+    case CURLE_BAD_FUNCTION_ARGUMENT:
     case CURLE_WEIRD_SERVER_REPLY: return UrlError::badServerResponse;
     case CURLE_PEER_FAILED_VERIFICATION: return UrlError::serverCertificateUntrusted;
     case CURLE_SSL_CONNECT_ERROR:
@@ -63,7 +69,11 @@ std::string partOf(CURLU* url, CURLUPart part) {
 bool isLoopback(const std::string& host) {
     in_addr address{};
     if (::inet_pton(AF_INET, host.c_str(), &address) == 1) return (ntohl(address.s_addr) >> 24U) == 127U;
-    return host == "localhost" || host == "[::1]";
+    in6_addr longAddress{};
+    if (host.starts_with('[') && host.ends_with(']') &&
+        ::inet_pton(AF_INET6, host.substr(1, host.size() - 2).c_str(), &longAddress) == 1)
+        return IN6_IS_ADDR_LOOPBACK(&longAddress);
+    return host == "localhost";
 }
 
 std::string lowerCase(std::string text) {
@@ -79,9 +89,19 @@ std::string environment(const char* name) {
 }
 
 const std::string& userAgent() {
-    static const std::string agent =
-        Bundle::main().identifier().value_or("application") + "/" + Bundle::main().version().value_or("0");
-    return agent;
+    static Immortal<std::string> agent(Bundle::main().identifier().value_or("application") + "/" +
+                                       Bundle::main().version().value_or("0"));
+    return *agent;
+}
+
+/// What is sent over http leaves this machine readable.
+bool isPlainBeyondLoopback(CURLU* url) {
+    return partOf(url, CURLUPART_SCHEME) == "http" && !isLoopback(lowerCase(partOf(url, CURLUPART_HOST)));
+}
+
+void logRefusal(CURLU* url) {
+    log("Refused to send a request over http: http://" + partOf(url, CURLUPART_HOST) +
+        " is not a loopback address");
 }
 
 }  // namespace
@@ -111,72 +131,70 @@ std::optional<std::string> CurlTransfer::destination() {
     // libcurl alone is more generous than a player or a page.
     if (!isUrl(request_.url) || curl_url_set(url_.get(), CURLUPART_URL, request_.url.c_str(),
                                              CURLU_NON_SUPPORT_SCHEME) != CURLUE_OK) {
-        finish(UrlError::badUrl);
+        endWithError(UrlError::badUrl);
         return std::nullopt;
     }
     const auto scheme = partOf(url_.get(), CURLUPART_SCHEME);
     const auto host = lowerCase(partOf(url_.get(), CURLUPART_HOST));
     toLoopback_ = isLoopback(host);
     if (scheme != "http" && scheme != "https") {
-        finish(UrlError::unsupportedUrl);
+        endWithError(UrlError::unsupportedUrl);
         return std::nullopt;
     }
-    if (request_.requiresSecureTransport && scheme == "http" && !toLoopback_) {
-        log("Refused to send a request over http: " + scheme + "://" + host + " is not a loopback address");
-        finish(UrlError::insecureTransportRefused);
+    if (request_.requiresSecureTransport && isPlainBeyondLoopback(url_.get())) {
+        logRefusal(url_.get());
+        endWithError(UrlError::insecureTransportRefused);
         return std::nullopt;
     }
     return scheme + "://" + host + ":" + partOf(url_.get(), CURLUPART_PORT);
 }
 
-CurlHandle CurlTransfer::makeHandle(CURLSH* share) {
-    CurlHandle made(curl_easy_init());
-    auto* handle = made.get();
-    if (handle == nullptr) return made;
+bool CurlTransfer::prepare(CURLSH* share) {
+    // Never a handle that served before: in libcurl 7.88 it remembers where the last header line of its
+    // answer lay, and a first header line that begins with a blank and has a colon is written there, into
+    // freed memory; and it counts dead connections over all its exchanges, until one fails for their number.
+    // Connections stay with the multi handle, cookies and TLS sessions with the share. `curl_easy_reset` is
+    // no way out.
+    handle_.reset(curl_easy_init());
+    auto* handle = handle_.get();
+    if (handle == nullptr) return false;
     curl_easy_setopt(handle, CURLOPT_SHARE, share);
+    curl_easy_setopt(handle, CURLOPT_CURLU, url_.get());
+    curl_easy_setopt(handle, CURLOPT_ERRORBUFFER, message_.data());
     curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, &CurlTransfer::onBody);
+    curl_easy_setopt(handle, CURLOPT_WRITEDATA, this);
     curl_easy_setopt(handle, CURLOPT_HEADERFUNCTION, &CurlTransfer::onHeader);
+    curl_easy_setopt(handle, CURLOPT_HEADERDATA, this);
     curl_easy_setopt(handle, CURLOPT_XFERINFOFUNCTION, &CurlTransfer::onProgress);
+    curl_easy_setopt(handle, CURLOPT_XFERINFODATA, this);
     curl_easy_setopt(handle, CURLOPT_NOPROGRESS, 0L);
     curl_easy_setopt(handle, CURLOPT_ACCEPT_ENCODING, "");
     curl_easy_setopt(handle, CURLOPT_COOKIEFILE, "");
-    // With a folder of certificates besides the file, libcurl would load all of them for each new connection.
-    curl_easy_setopt(handle, CURLOPT_CAPATH, nullptr);
     curl_easy_setopt(handle, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
     curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L);
     // A name look-up that was given up must not hold up the loop until it ends.
     curl_easy_setopt(handle, CURLOPT_QUICK_EXIT, 1L);
     curl_easy_setopt(handle, CURLOPT_BUFFERSIZE, kReceiveBuffer);
     curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, "http,https");
+    curl_easy_setopt(handle, CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
     curl_easy_setopt(handle, CURLOPT_FOLLOWLOCATION, 1L);
     curl_easy_setopt(handle, CURLOPT_MAXREDIRS, kMostRedirects);
     // The loop has a time-out of its own, by the last byte that moved.
     curl_easy_setopt(handle, CURLOPT_CONNECTTIMEOUT, 24L * 60 * 60);
-    return made;
-}
-
-void CurlTransfer::prepare(CurlHandle fresh) {
-    handle_ = std::move(fresh);
-    auto* handle = handle_.get();
-    if (file_) partial_ = std::make_unique<PartialFile>(*file_);
-
-    curl_easy_setopt(handle, CURLOPT_CURLU, url_.get());
-    curl_easy_setopt(handle, CURLOPT_ERRORBUFFER, message_.data());
-    curl_easy_setopt(handle, CURLOPT_WRITEDATA, this);
-    curl_easy_setopt(handle, CURLOPT_HEADERDATA, this);
-    curl_easy_setopt(handle, CURLOPT_XFERINFODATA, this);
+    // What is meant to stay on this machine does not go to a proxy.
+    if (toLoopback_) curl_easy_setopt(handle, CURLOPT_NOPROXY, "*");
+    setTrust();
     setMethodAndBody();
     setHeaders();
-    setSecurity();
+
+    if (file_) partial_ = std::make_unique<PartialFile>(*file_);
     lastActivity_ = Clock::now();
+    return true;
 }
 
 void CurlTransfer::setMethodAndBody() {
     auto* handle = handle_.get();
     const bool isPost = request_.method == "POST";
-    // The handle may come from a transfer with another method: each setting is made, also where it is the
-    // default.
-    curl_easy_setopt(handle, CURLOPT_HTTPGET, 1L);
     if (request_.body || isPost) {
         static constexpr const char* kNothing = "";
         const auto size = request_.body ? request_.body->size() : 0;
@@ -185,7 +203,7 @@ void CurlTransfer::setMethodAndBody() {
         curl_easy_setopt(handle, CURLOPT_POSTFIELDS, size > 0 ? request_.body->data() : kNothing);
     }
     const bool isCustom = !isPost && (request_.method != "GET" || request_.body);
-    curl_easy_setopt(handle, CURLOPT_CUSTOMREQUEST, isCustom ? request_.method.c_str() : nullptr);
+    if (isCustom) curl_easy_setopt(handle, CURLOPT_CUSTOMREQUEST, request_.method.c_str());
 }
 
 void CurlTransfer::setHeaders() {
@@ -195,8 +213,9 @@ void CurlTransfer::setHeaders() {
         if ((name + value).find_first_of(std::string("\r\n\0", 3)) != std::string::npos) {
             return log("A header with a line end in it is not sent: " + name);
         }
-        // Without a value libcurl wants a semicolon for the colon.
-        const auto line = value.empty() ? name + ";" : name + ": " + value;
+        // Without a value, or with one of blanks, libcurl sends the header only for a semicolon.
+        const bool isBlank = value.find_first_not_of(kBlanks) == std::string::npos;
+        const auto line = isBlank ? name + ";" : name + ": " + value;
         if (auto* longer = curl_slist_append(list, line.c_str())) list = longer;
     };
     add("User-Agent", userAgent());
@@ -210,14 +229,11 @@ void CurlTransfer::setHeaders() {
     curl_easy_setopt(handle_.get(), CURLOPT_HTTPHEADER, list);
 }
 
-void CurlTransfer::setSecurity() {
-    auto* handle = handle_.get();
+void CurlTransfer::setTrust() {
     static const char* const systems = curl_version_info(CURLVERSION_NOW)->cainfo;
-    curl_easy_setopt(handle, CURLOPT_CAINFO, certificates_.empty() ? systems : certificates_.c_str());
-    curl_easy_setopt(handle, CURLOPT_REDIR_PROTOCOLS_STR,
-                     request_.requiresSecureTransport ? "https" : "http,https");
-    // What is meant to stay on this machine does not go to a proxy.
-    curl_easy_setopt(handle, CURLOPT_NOPROXY, toLoopback_ ? "*" : nullptr);
+    curl_easy_setopt(handle_.get(), CURLOPT_CAINFO, certificates_.empty() ? systems : certificates_.c_str());
+    // With a folder of certificates besides the file, libcurl would load all of them for each new connection.
+    curl_easy_setopt(handle_.get(), CURLOPT_CAPATH, nullptr);
 }
 
 std::size_t CurlTransfer::onBody(char* bytes, std::size_t one, std::size_t size, void* transfer) {
@@ -239,11 +255,42 @@ std::size_t CurlTransfer::onBody(char* bytes, std::size_t one, std::size_t size,
     return size;
 }
 
-std::size_t CurlTransfer::onHeader(char*, std::size_t one, std::size_t size, void* transfer) {
+std::size_t CurlTransfer::onHeader(char* bytes, std::size_t one, std::size_t size, void* transfer) {
     auto& self = *static_cast<CurlTransfer*>(transfer);
     self.lastActivity_ = Clock::now();
-    self.headerSize_ += one * size;
-    return self.headerSize_ > kMostHeaderBytes ? CURL_WRITEFUNC_ERROR : one * size;
+    size *= one;
+    self.headerSize_ += size;
+    if (self.headerSize_ > kMostHeaderBytes || !self.takeHeader({bytes, size})) return CURL_WRITEFUNC_ERROR;
+    return size;
+}
+
+bool CurlTransfer::takeHeader(std::string_view line) {
+    if (line.starts_with("HTTP/")) headersAreWhole_ = false;
+    // An interim answer is not the answer.
+    if (line.starts_with('\r') || line.starts_with('\n')) headersAreWhole_ = status() >= kLeastFinalStatus;
+    refusedRedirect_ = leadsToPlainHttp(line);
+    return !refusedRedirect_;
+}
+
+bool CurlTransfer::leadsToPlainHttp(std::string_view line) const {
+    static constexpr std::string_view kName = "location:";
+    if (!request_.requiresSecureTransport || line.size() < kName.size() ||
+        ::strncasecmp(line.data(), kName.data(), kName.size()) != 0)
+        return false;
+    line.remove_prefix(kName.size());
+    line.remove_prefix(std::min(line.find_first_not_of(kBlanks), line.size()));
+    const std::string target(line.substr(0, line.find_last_not_of(kBlanks) + 1));
+
+    // As libcurl itself finds out where it leads. What it takes for no address it does not follow.
+    const CurlUrl next(curl_url());
+    const auto answered = response();
+    if (!answered || curl_url_set(next.get(), CURLUPART_URL, answered->url.c_str(), 0) != CURLUE_OK ||
+        curl_url_set(next.get(), CURLUPART_URL, target.c_str(), CURLU_URLENCODE | CURLU_ALLOW_SPACE) !=
+            CURLUE_OK ||
+        !isPlainBeyondLoopback(next.get()))
+        return false;
+    logRefusal(next.get());
+    return true;
 }
 
 int CurlTransfer::onProgress(void* transfer, curl_off_t, curl_off_t, curl_off_t, curl_off_t sent) {
@@ -253,49 +300,53 @@ int CurlTransfer::onProgress(void* transfer, curl_off_t, curl_off_t, curl_off_t,
     return 0;
 }
 
-void CurlTransfer::finish(CURLcode code) {
-    if (code == CURLE_OK) return complete(std::nullopt);
-    if (code == CURLE_UNSUPPORTED_PROTOCOL) return finishUnsupported();
-    const auto description = message_[0] != '\0' ? message_.data() : curl_easy_strerror(code);
-    complete(errorOf(tooLong_ ? UrlError::dataLengthExceedsMaximum : codeOf(code), description));
+void CurlTransfer::endWithResult(CURLcode result) {
+    if (result == CURLE_OK && headersAreWhole_) return end(std::nullopt);
+    const auto* description = message_[0] != '\0' ? message_.data() : curl_easy_strerror(result);
+    end(errorOf(codeOf(result), result == CURLE_OK ? "The answer's headers were cut short" : description));
 }
 
-void CurlTransfer::finishUnsupported() {
+UrlError::Code CurlTransfer::codeOf(CURLcode result) const {
+    if (tooLong_) return UrlError::dataLengthExceedsMaximum;
+    if (refusedRedirect_) return UrlError::insecureTransportRefused;
+    if (result == CURLE_OK) return UrlError::networkConnectionLost;
     // The address itself was looked at before: the answer is not HTTP, or leads to what may not be followed.
-    if (!response()) return finish(UrlError::badServerResponse);
-    if (!request_.requiresSecureTransport) return finish(UrlError::unsupportedUrl);
-    log("Refused to follow a redirect that leaves https");
-    finish(UrlError::insecureTransportRefused);
+    if (result == CURLE_UNSUPPORTED_PROTOCOL && !response()) return UrlError::badServerResponse;
+    return generalCodeOf(result);
 }
 
-void CurlTransfer::finish(UrlError::Code code) { complete(errorOf(code, "")); }
+void CurlTransfer::endWithError(UrlError::Code code) { end(errorOf(code, "")); }
+
+long CurlTransfer::status() const {
+    long status = 0;
+    if (handle_) curl_easy_getinfo(handle_.get(), CURLINFO_RESPONSE_CODE, &status);
+    return status;
+}
 
 std::optional<UrlResponse> CurlTransfer::response() const {
-    if (!handle_) return std::nullopt;
-    long status = 0;
+    const auto known = status();
+    if (known == 0) return std::nullopt;
     const char* url = nullptr;
-    curl_easy_getinfo(handle_.get(), CURLINFO_RESPONSE_CODE, &status);
     curl_easy_getinfo(handle_.get(), CURLINFO_EFFECTIVE_URL, &url);
-    if (status == 0) return std::nullopt;
-    return UrlResponse{url != nullptr ? url : request_.url, static_cast<int>(status)};
+    return UrlResponse{url != nullptr ? url : request_.url, static_cast<int>(known)};
 }
 
-void CurlTransfer::complete(std::optional<UrlError> error) {
+void CurlTransfer::end(std::optional<UrlError> error) {
     ended_ = true;
     UrlOutcome outcome;
     outcome.response = response();
     outcome.error = std::move(error);
     if (!outcome.error && !file_) outcome.data = std::move(body_);
+    handle_.reset();
 
     // The file is flushed and moved on the delegate queue: the loop must not wait for the disk.
-    loop_.deliver([self = shared_from_this(), outcome = std::move(outcome)]() mutable {
+    loop_.delegateQueue.add([self = shared_from_this(), outcome = std::move(outcome)]() mutable {
         // A cancel that comes before the completion runs still counts.
         if (self->state_.exchange(State::completed) == State::canceling) {
             outcome = {std::nullopt, std::nullopt, errorOf(UrlError::cancelled, "cancelled")};
         }
         if (self->partial_ && !outcome.error) self->partial_->publish();
         self->partial_.reset();
-        self->headers_.reset();
         const auto completion = std::exchange(self->completion_, nullptr);
         if (completion) completion(std::move(outcome));
     });

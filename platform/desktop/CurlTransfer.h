@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include <curl/curl.h>
 
@@ -22,7 +23,7 @@ struct CurlCleanup {
     void operator()(CURLU* url) const noexcept { curl_url_cleanup(url); }
     void operator()(curl_slist* list) const noexcept { curl_slist_free_all(list); }
 };
-using CurlHandle = std::unique_ptr<CURL, CurlCleanup>;
+using CurlUrl = std::unique_ptr<CURLU, CurlCleanup>;
 
 /// One exchange. `resume`, `cancel` and `state` belong to any thread, all else to the loop's.
 class CurlTransfer final : public UrlTask, public std::enable_shared_from_this<CurlTransfer> {
@@ -40,17 +41,13 @@ public:
     /// Which host it goes to, as "scheme://host:port"; absent, with the error set, when it may not be sent.
     [[nodiscard]] std::optional<std::string> destination();
 
-    /// An easy handle with the settings that all transfers share; null without memory.
-    [[nodiscard]] static CurlHandle makeHandle(CURLSH* share);
+    /// Makes its easy handle, to be added to a multi handle; false without memory.
+    [[nodiscard]] bool prepare(CURLSH* share);
 
-    /// Sets what is this transfer's own, so that the handle can be added to a multi handle.
-    void prepare(CurlHandle handle);
-    /// Gives the easy handle up once the exchange has ended.
-    [[nodiscard]] CurlHandle takeHandle() { return std::move(handle_); }
-
+    /// Null before `prepare` and after the end.
     [[nodiscard]] CURL* handle() const { return handle_.get(); }
 
-    [[nodiscard]] bool isEnded() const { return ended_; }
+    [[nodiscard]] bool hasEnded() const { return ended_; }
 
     [[nodiscard]] bool wasCancelled() const { return state_ == State::canceling; }
 
@@ -60,8 +57,9 @@ public:
     /// For the end of the process: what has arrived of a file goes.
     void dropFile() { partial_.reset(); }
 
-    void finish(CURLcode code);
-    void finish(UrlError::Code code);
+    /// The end, once: its handle has been taken out of the multi handle, and goes here.
+    void endWithResult(CURLcode result);
+    void endWithError(UrlError::Code code);
 
 private:
     static std::size_t onBody(char* bytes, std::size_t one, std::size_t size, void* transfer);
@@ -70,10 +68,14 @@ private:
 
     void setMethodAndBody();
     void setHeaders();
-    void setSecurity();
+    void setTrust();
+    /// False when the exchange is not to go on.
+    [[nodiscard]] bool takeHeader(std::string_view line);
+    [[nodiscard]] bool leadsToPlainHttp(std::string_view line) const;
+    [[nodiscard]] long status() const;
     [[nodiscard]] std::optional<UrlResponse> response() const;
-    void finishUnsupported();
-    void complete(std::optional<UrlError> error);
+    [[nodiscard]] UrlError::Code codeOf(CURLcode result) const;
+    void end(std::optional<UrlError> error);
 
     CurlLoop& loop_;
     const UrlRequest request_;
@@ -86,16 +88,18 @@ private:
     std::unique_ptr<PartialFile> partial_;
     std::string body_;
     bool tooLong_ = false;
+    bool refusedRedirect_ = false;
+    bool headersAreWhole_ = false;
     bool ended_ = false;
     bool toLoopback_ = false;
     std::size_t headerSize_ = 0;
     curl_off_t sent_ = 0;
     Clock::time_point lastActivity_;
 
-    std::unique_ptr<CURLU, CurlCleanup> url_;
-    CurlHandle handle_;
+    CurlUrl url_;
     std::unique_ptr<curl_slist, CurlCleanup> headers_;
     std::array<char, CURL_ERROR_SIZE> message_{};
+    std::unique_ptr<CURL, CurlCleanup> handle_;
 };
 
 }  // namespace velmora::platform

@@ -47,8 +47,6 @@ std::shared_ptr<UrlTask> UrlSession::downloadTask(UrlRequest request, std::files
     return std::make_shared<CurlTransfer>(loop(), std::move(request), std::move(file), std::move(completion));
 }
 
-void UrlSession::expectRequest() { loop().expect(); }
-
 void UrlSession::setIdleTimeout(std::chrono::milliseconds timeout) { loop().idleTimeout = timeout; }
 
 }  // namespace velmora::platform

@@ -55,7 +55,14 @@ std::string contentOf(const std::filesystem::path& file) {
 /// What a server can do to a client, by the path that is asked for.
 Script fault(const std::string& target) {
     if (target == "/nothing") return {};
+    if (target == "/half-a-status") return {.bytes = "HTTP/1.1 200"};
+    if (target == "/status-only") return {.bytes = "HTTP/1.1 200 OK\r\n"};
     if (target == "/half-a-header") return {.bytes = "HTTP/1.1 200 OK\r\nContent-Le"};
+    if (target == "/no-blank-line") return {.bytes = "HTTP/1.1 200 OK\r\nServer: s\r\n"};
+    if (target == "/interim-only") return {.bytes = "HTTP/1.1 103 Early Hints\r\nLink: l\r\n\r\n"};
+    if (target == "/headers-only") return {.bytes = raw("", "")};
+    if (target == "/drips")
+        return {.bytes = raw("", ""), .block = ".", .blocks = 25, .pause = std::chrono::milliseconds(100)};
     if (target == "/short") return {.bytes = raw("Content-Length: 100\r\n", "not a hundred")};
     if (target == "/broken-gzip")
         return {.bytes = raw("Content-Encoding: gzip\r\nContent-Length: 9\r\n", "not gzip!")};
@@ -71,15 +78,17 @@ Script fault(const std::string& target) {
                 .block = std::string(block, 'x'),
                 .blocks = UrlSession::kMostBytesInMemory / block};
     }
-    if (target == "/moved-to-http") return Script::answer(302, "", "Location: http://ads.invalid/\r\n");
+    if (target == "/moved-to-http") return Script::answer(302, "", "location: http://ads.invalid/\r\n");
+    if (target == "/moved-to-another") return Script::answer(302, "", "Location:\t//ads.invalid/x\r\n");
+    if (target == "/moved-and-cut-short") return Script::answer(302, "", "Location: /no-blank-line\r\n");
     if (target == "/moved") return Script::answer(302, "", "Location: /\r\n");
     return Script::answer(200, "body of " + target);
 }
 
 class UrlSessionTest : public testing::Test {
 protected:
-    /// Short enough to wait for, long enough for a busy machine.
-    void SetUp() override { UrlSession::setIdleTimeout(std::chrono::seconds(4)); }
+    /// Short enough to wait for, long enough for a busy machine; what drips takes longer.
+    void SetUp() override { UrlSession::setIdleTimeout(std::chrono::seconds(2)); }
 
     ScriptedServer server_{[](const SeenRequest& request) { return fault(request.target); }};
 };
@@ -92,6 +101,14 @@ TEST_F(UrlSessionTest, EveryWayAServerCanFailEndsInOneErrorOrOneAnswer) {
     };
     const std::vector<Case> cases{
         {server_.url("/nothing"), UrlError::networkConnectionLost, -1},
+        {server_.url("/half-a-status"), UrlError::networkConnectionLost, -1},
+        {server_.url("/status-only"), UrlError::networkConnectionLost, 200},
+        {server_.url("/half-a-header"), UrlError::networkConnectionLost, 200},
+        {server_.url("/no-blank-line"), UrlError::networkConnectionLost, 200},
+        {server_.url("/moved-and-cut-short"), UrlError::networkConnectionLost, 200},
+        {server_.url("/interim-only"), UrlError::networkConnectionLost, 103},
+        {server_.url("/headers-only"), std::nullopt, 200},
+        {server_.url("/drips"), std::nullopt, 200},
         {server_.url("/short"), UrlError::networkConnectionLost, 200},
         {server_.url("/broken-gzip"), UrlError::cannotDecodeContentData, 200},
         {server_.url("/loop"), UrlError::tooManyRedirects, 302},
@@ -197,9 +214,6 @@ TEST_F(UrlSessionTest, ARedirectedPostBecomesAGetWithoutABody) {
               "POST 6 a body");
     EXPECT_EQ(seen[1].method, "GET");
     EXPECT_FALSE(seen[1].headers.contains("content-length"));
-    // The handle of a POST serves a GET after it.
-    EXPECT_EQ(fetch(get(server_.url("/next"))).data, "body of /next");
-    EXPECT_EQ(server_.seen().back().method, "GET");
 }
 
 TEST_F(UrlSessionTest, CookiesComeBackAndCompressedBodiesAreRead) {
@@ -254,17 +268,90 @@ TEST_F(UrlSessionTest, ADownloadIsPublishedWholeOrNotAtAll) {
 TEST_F(UrlSessionTest, PlainHttpBeyondTheLoopbackIsRefusedWhereSecurityIsRequired) {
     UrlRequest request;
     request.requiresSecureTransport = true;
-    const LogCapture log;
-    for (const auto& url : {std::string("http://ads.invalid/"), std::string("http://127.ads.invalid/"),
-                            std::string("http://localhost.ads.invalid/"), server_.url("/moved-to-http")}) {
+    for (const auto& [url, host] :
+         {std::pair(std::string("http://ads.invalid/"), "ads.invalid"),
+          std::pair(std::string("http://127.ads.invalid/"), "127.ads.invalid"),
+          std::pair(std::string("http://localhost.ads.invalid/"), "localhost.ads.invalid"),
+          std::pair(std::string("http://[2001:db8::1]/"), "[2001:db8::1]"),
+          std::pair(server_.url("/moved-to-http"), "ads.invalid"),
+          std::pair(server_.url("/moved-to-another"), "ads.invalid")}) {
+        const LogCapture log;
         request.url = url;
         const auto outcome = fetch(request);
         ASSERT_TRUE(outcome.error) << url;
         EXPECT_EQ(outcome.error->code, UrlError::insecureTransportRefused) << url;
+        EXPECT_THAT(log.lines(),
+                    testing::ElementsAre(testing::HasSubstr("Refused to send a request over http: http://" +
+                                                            std::string(host) + " is not a loopback")));
     }
-    EXPECT_TRUE(log.has("Refused to send a request over http"));
-    request.url = server_.url("/");
-    EXPECT_EQ(fetch(request).data, "body of /");
+    for (const auto* path : {"/", "/moved"}) {
+        request.url = server_.url(path);
+        EXPECT_EQ(fetch(request).data, "body of /") << path;
+    }
+}
+
+TEST_F(UrlSessionTest, AHeaderWithoutAValueOrWithOneOfBlanksGoesOutEmpty) {
+    auto request = get(server_.url("/"));
+    request.headers = {{"Blank", " \t "}, {"Empty", ""}, {"Text", " x "}, {"Torn", "a\r\nb: c"}};
+    const LogCapture log;
+    fetch(request);
+    const auto headers = server_.seen().back().headers;
+    EXPECT_THAT(headers, testing::IsSupersetOf({std::pair("blank", ""), std::pair("empty", "")}));
+    EXPECT_THAT(headers.at("text"), testing::StartsWith("x"));
+    EXPECT_FALSE(headers.contains("torn") || headers.contains("b"));
+    EXPECT_TRUE(log.has("Torn"));
+}
+
+TEST(UrlSession, AnAnswerThatBeginsWithAFoldedHeaderIsABadOneAndHarmsNoOther) {
+    std::atomic<int> count = 0;
+    const ScriptedServer server([&](const SeenRequest&) {
+        return Script{.bytes = raw(count++ % 2 == 0 ? "Content-Length: 4\r\nX: y\r\n"
+                                                    : " folded: line\r\nContent-Length: 4\r\n",
+                                   "good"),
+                      .keepOpen = true};
+    });
+    for (int i = 0; i < 100; ++i) {
+        ASSERT_EQ(fetch(get(server.url("/"))).data, "good") << i;
+        const auto bad = fetch(get(server.url("/")));
+        ASSERT_TRUE(bad.error);
+        ASSERT_EQ(bad.error->code, UrlError::badServerResponse) << bad.error->description;
+    }
+}
+
+TEST(UrlSession, KeptConnectionsThatDieAreReplacedHoweverManyThereWere) {
+    std::atomic<int> count = 0;
+    // The second request of each connection is not answered.
+    const ScriptedServer server(
+        [&](const SeenRequest&) { return count++ % 2 == 0 ? Script::answer(200, "good") : Script(); });
+    for (int i = 0; i < 20; ++i) {
+        const auto outcome = fetch(get(server.url("/")));
+        ASSERT_EQ(outcome.data, "good") << i << ": " << outcome.error->description;
+    }
+    EXPECT_EQ(server.connections(), 20);
+}
+
+TEST_F(UrlSessionTest, AHostThatHangsHoldsUpNoOtherAndACallbackNoTransfer) {
+    const auto ends = std::make_shared<Await<std::string>>();
+    const ScriptedServer other([&](const SeenRequest& request) {
+        ends->add("sent " + request.target);
+        return Script::answer(200, "");
+    });
+    const auto ask = [&](const std::string& url, const std::function<void()>& completion) {
+        UrlSession::shared().dataTask(get(url), [completion](const UrlOutcome&) { completion(); })->resume();
+    };
+    for (std::size_t i = 0; i < 2 * UrlSession::kMostInFlightPerHost; ++i)
+        ask(server_.url("/hangs"), [ends] { ends->add("timed out"); });
+    ask(other.url("/1"), [ends, &ask, &other] {
+        for (const auto* path : {"/2", "/3", "/4"}) ask(other.url(path), [ends] { ends->add("completed"); });
+        EXPECT_TRUE(ends->count(4)) << "while this completion runs";
+        ends->add("slow one");
+    });
+    ASSERT_TRUE(ends->count(8));
+    auto order = ends->values();
+    order.resize(8);
+    std::sort(order.begin() + 1, order.begin() + 4);
+    EXPECT_THAT(order, testing::ElementsAre("sent /1", "sent /2", "sent /3", "sent /4", "slow one",
+                                            "completed", "completed", "completed"));
 }
 
 TEST_F(UrlSessionTest, AProxyOfTheEnvironmentTakesAllButTheLoopback) {
@@ -278,9 +365,15 @@ TEST_F(UrlSessionTest, AProxyOfTheEnvironmentTakesAllButTheLoopback) {
 TEST(UrlSession, TlsIsVerifiedAgainstTheAuthorityThatIsTrusted) {
     const auto good = Certificates::makeFor("127.0.0.1");
     ::setenv("VELMORA_CA_FILE", good->authorityFile().c_str(), 1);
-    const auto answer = [](const SeenRequest&) { return Script::answer(200, "secure"); };
+    const auto answer = [](const SeenRequest& request) {
+        auto script = Script::answer(200, "secure");
+        script.keepOpen = request.target != "/last";
+        return script;
+    };
     const ScriptedServer server(answer, good);
+    EXPECT_EQ(fetch(get(server.url("/last"))).data, "secure");
     EXPECT_EQ(fetch(get(server.url("/"))).data, "secure");
+    EXPECT_EQ(server.resumedSessions(), 1);
 
     // Each is trusted while it is tried, so that only the fault that is meant can refuse it; the last one is
     // not.

@@ -58,8 +58,11 @@ Script Script::answer(int status, std::string_view body, std::string_view moreHe
 
 /// Shared with the threads of the connections.
 struct ScriptedServer::Shared {
+    explicit Shared(const char* address)
+        : acceptor(context, Tcp::endpoint(asio::ip::make_address(address), 0)) {}
+
     asio::io_context context;
-    Tcp::acceptor acceptor{context, Tcp::endpoint(asio::ip::address_v4::loopback(), 0)};
+    Tcp::acceptor acceptor;
     asio::ssl::context tls{asio::ssl::context::tls_server};
     bool secure = false;
     OnRequest script;
@@ -71,6 +74,7 @@ struct ScriptedServer::Shared {
     std::list<Tcp::socket*> open;
     int connections = 0;
     int mostConnections = 0;
+    int resumedSessions = 0;
     bool ending = false;
 
     template <class Stream>
@@ -100,6 +104,7 @@ struct ScriptedServer::Shared {
             const auto what = script(request);
             asio::write(stream, asio::buffer(what.bytes), error);
             for (std::size_t sent = 0; sent < what.blocks && !error; ++sent) {
+                std::this_thread::sleep_for(what.pause);
                 asio::write(stream, asio::buffer(what.block), error);
             }
             if (error) return;
@@ -121,6 +126,10 @@ struct ScriptedServer::Shared {
             asio::ssl::stream<Tcp::socket&> stream(socket, tls);
             Error error;
             stream.handshake(asio::ssl::stream_base::server, error);
+            if (!error && SSL_session_reused(stream.native_handle()) == 1) {
+                const std::lock_guard lock(mutex);
+                ++resumedSessions;
+            }
             if (!error) serve(stream, number);
         } else {
             serve(socket, number);
@@ -142,8 +151,9 @@ struct ScriptedServer::Shared {
     }
 };
 
-ScriptedServer::ScriptedServer(OnRequest script, std::shared_ptr<Certificates> certificates)
-    : shared_(std::make_shared<Shared>()) {
+ScriptedServer::ScriptedServer(OnRequest script, std::shared_ptr<Certificates> certificates,
+                               const char* address)
+    : shared_(std::make_shared<Shared>(address)) {
     shared_->script = std::move(script);
     if (certificates) {
         shared_->secure = true;
@@ -154,7 +164,7 @@ ScriptedServer::ScriptedServer(OnRequest script, std::shared_ptr<Certificates> c
 }
 
 ScriptedServer::~ScriptedServer() {
-    const auto port = shared_->acceptor.local_endpoint().port();
+    const auto endpoint = shared_->acceptor.local_endpoint();
     {
         const std::lock_guard lock(shared_->mutex);
         shared_->ending = true;
@@ -163,14 +173,17 @@ ScriptedServer::~ScriptedServer() {
     // One more connection makes the accepting thread look.
     Error error;
     Tcp::socket knock(shared_->context);
-    knock.connect({asio::ip::address_v4::loopback(), port}, error);
+    knock.connect(endpoint, error);
     shared_->accepting.join();
     for (auto& thread : shared_->threads) thread.join();
 }
 
 std::string ScriptedServer::url(std::string_view path) const {
-    return (shared_->secure ? "https://127.0.0.1:" : "http://127.0.0.1:") +
-           std::to_string(shared_->acceptor.local_endpoint().port()) + std::string(path);
+    const auto endpoint = shared_->acceptor.local_endpoint();
+    const auto address = endpoint.address().to_string();
+    return (shared_->secure ? "https://" : "http://") +
+           (endpoint.address().is_v6() ? "[" + address + "]" : address) + ":" +
+           std::to_string(endpoint.port()) + std::string(path);
 }
 
 std::vector<SeenRequest> ScriptedServer::seen() const {
@@ -186,6 +199,11 @@ int ScriptedServer::connections() const {
 int ScriptedServer::mostConnections() const {
     const std::lock_guard lock(shared_->mutex);
     return shared_->mostConnections;
+}
+
+int ScriptedServer::resumedSessions() const {
+    const std::lock_guard lock(shared_->mutex);
+    return shared_->resumedSessions;
 }
 
 }  // namespace velmora::test

@@ -30,6 +30,8 @@ struct Script {
     /// Sent so often after the bytes: a long body takes no memory.
     std::string block = {};
     std::size_t blocks = 0;
+    /// Before each block: a slow body.
+    std::chrono::milliseconds pause{0};
     /// Keep the connection for the next request, when the bytes allow it.
     bool keepOpen = false;
     /// Leave the client without an end, until the server goes or the client does.
@@ -39,13 +41,15 @@ struct Script {
     static Script answer(int status, std::string_view body, std::string_view moreHeaders = {});
 };
 
-/// An HTTP server on an ephemeral port of 127.0.0.1 that does what it is told, well-formed or not. It records
-/// every request; `script` runs on its threads.
+/// An HTTP server on an ephemeral port of this machine that does what it is told, well-formed or not. It
+/// records every request; `script` runs on its threads.
 class ScriptedServer {
 public:
     using OnRequest = std::function<Script(const SeenRequest& request)>;
 
-    explicit ScriptedServer(OnRequest script, std::shared_ptr<Certificates> certificates = nullptr);
+    /// An address that the machine has not got is a `std::runtime_error`.
+    explicit ScriptedServer(OnRequest script, std::shared_ptr<Certificates> certificates = nullptr,
+                            const char* address = "127.0.0.1");
     /// Ends every connection.
     ~ScriptedServer();
     ScriptedServer(const ScriptedServer&) = delete;
@@ -57,6 +61,8 @@ public:
     /// How many connections were made, and how many were open at one time at the most.
     [[nodiscard]] int connections() const;
     [[nodiscard]] int mostConnections() const;
+    /// How many connections went on with the TLS session of an earlier one.
+    [[nodiscard]] int resumedSessions() const;
 
 private:
     struct Shared;
