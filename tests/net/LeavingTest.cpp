@@ -1,3 +1,4 @@
+#include "support/Await.h"
 #include "support/ScriptedServer.h"
 
 #include <chrono>
@@ -5,24 +6,49 @@
 
 #include <sys/wait.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace velmora::test {
 
 namespace {
 
+constexpr int kRounds = 10;
+
+/// Ends well, and long before anything in it times out.
+void runLeaver(const std::string& arguments) {
+    const auto start = std::chrono::steady_clock::now();
+    const int status = std::system((VELMORA_LEAVER " " + arguments).c_str());
+    ASSERT_TRUE(WIFEXITED(status));
+    ASSERT_EQ(WEXITSTATUS(status), 0);
+    ASSERT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+}
+
 TEST(Leaving, AProgramThatLeavesMainWithTransfersInFlightEndsAtOnceAndWell) {
     const ScriptedServer server([](const SeenRequest&) {
         return Script{.bytes = "HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n12345", .hang = true};
     });
-    std::string command = VELMORA_LEAVER;
-    command.append(" ").append(server.url("/"));
-    for (int round = 0; round < 20; ++round) {
-        const auto start = std::chrono::steady_clock::now();
-        const int status = std::system(command.c_str());
-        ASSERT_TRUE(WIFEXITED(status));
-        ASSERT_EQ(WEXITSTATUS(status), 0);
-        ASSERT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+    for (int round = 0; round < kRounds; ++round) runLeaver(server.url("/"));
+}
+
+TEST(Leaving, TransfersThatStartDuringTheExitWorkOfAnApplicationAreWholeAndLaterOnesAreNot) {
+    for (int round = 0; round < kRounds; ++round) {
+        Await<bool> left;
+        const ScriptedServer server([&](const SeenRequest& request) {
+            if (request.target == "/left") left.add(true);
+            EXPECT_TRUE(left.count(1));
+            return Script::answer(200, "x");
+        });
+        auto tell = server.url("/left");
+        // Another host, so that it does not wait behind the rest.
+        tell.replace(tell.find("127.0.0.1"), 9, "localhost");
+        runLeaver(server.url("/") + " " + tell);
+
+        const auto seen = server.seen();
+        EXPECT_EQ(seen.size(), 41U);
+        for (const auto& request : seen) {
+            EXPECT_EQ(request.headers.at("user-agent"), "velmora-leaver-with-a-long-name/0");
+        }
     }
 }
 

@@ -1,5 +1,7 @@
 #include "platform/desktop/webpage/Engine.h"
 
+#include "platform/Immortal.h"
+
 #include <algorithm>
 
 #include <QCoreApplication>
@@ -39,8 +41,9 @@ constexpr struct {
 };
 
 std::unique_ptr<Engine>& current() {
-    static std::unique_ptr<Engine> engine;
-    return engine;
+    // A process that ends without an end of its application object leaves the engine as it is.
+    static platform::Immortal<std::unique_ptr<Engine>> engine;
+    return *engine;
 }
 
 void endEngine() { current().reset(); }
