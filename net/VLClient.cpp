@@ -19,38 +19,38 @@ namespace {
 constexpr std::int64_t kOk = 200;
 constexpr std::int64_t kUnauthorized = 401;
 
-/// All that it takes to send a request, once or once more.
-struct Call {
-    VLHttpRequestMethod method;
-    std::string path;
-    std::optional<Dictionary> params;
-    std::optional<Dictionary> body;
-    bool includeCustomHeaders;
-    VLReceive receive;
-    VLClientSuccess success;
-    VLClientFailure failure;
-
-    std::shared_ptr<VLDataTask> send(const VLClientFailure& onFailure) const {
-        return VLClient::sendRequestOfMethod(method, path, params, body, includeCustomHeaders, receive,
-                                             success, onFailure);
-    }
-};
-
 bool carriesBody(VLHttpRequestMethod method) {
     return method == VLHttpRequestMethod::post || method == VLHttpRequestMethod::put;
 }
 
-std::string textOf(const std::string& path, const std::optional<Dictionary>& params) {
-    if (!params) return path;
-    std::string text = path + "?";
+std::string textOf(const VLCall& call) {
+    if (!call.params) return call.url;
+    std::string text = call.url + "?";
     bool first = true;
-    for (const auto& param : *params) {
+    for (const auto& param : *call.params) {
         if (!first) text += '&';
         first = false;
         text.append(param.key().data(), param.key().size()).append(1, '=');
         text += platform::description(param.value());
     }
     return text;
+}
+
+/// How much of a URL is its scheme and an address in brackets, which are no characters of a query.
+std::size_t sizeWithBrackets(std::string_view url) {
+    const auto open = url.find("://[");
+    const auto close = url.find(']');
+    const bool isAddress = open != std::string_view::npos && close != std::string_view::npos &&
+                           url.find_first_not_of("0123456789abcdefABCDEF:.", open + 4) == close;
+    return isAddress ? close + 1 : 0;
+}
+
+/// Percent-encoded once, as a whole.
+std::string urlOf(const VLCall& call) {
+    const auto text = textOf(call);
+    const auto size = sizeWithBrackets(text);
+    return text.substr(0, size) + platform::percentEncoded(std::string_view(text).substr(size),
+                                                           platform::UrlCharacters::queryAllowed);
 }
 
 VLResult resultOf(const std::string& data, const VLReceive& receive) {
@@ -72,66 +72,64 @@ void complete(platform::UrlOutcome outcome, const VLReceive& receive, const VLCl
     failure(VLClientError(std::move(outcome.response), std::move(outcome.error)));
 }
 
-void sendWithNewToken(const std::shared_ptr<const Call>& call) {
-    const auto onToken = [call](std::int64_t, const VLResult& result) {
-        VLDefaults::setAuthorizationToken(resultAs<VLTokenResponse>(result)->getToken());
-        call->send(call->failure);
-    };
-    const auto onNoToken = [call](const VLClientError& error) {
-        VLLog("failed getting token from server...");
-        call->failure(error);
-    };
-    VLClient::sendRequestOfMethod(VLHttpRequestMethod::get, VLWebServices::getTokenUrl(), std::nullopt,
-                                  std::nullopt, true, receive<VLTokenResponse>(), onToken, onNoToken);
-}
-
-}  // namespace
-
-std::shared_ptr<VLDataTask> VLClient::sendRequestOfMethod(
-    VLHttpRequestMethod method, const std::string& toPath, const std::optional<Dictionary>& withParams,
-    const std::optional<Dictionary>& withBody, bool andIncludeCustomHeaders, const VLReceive& receive,
-    const VLClientSuccess& success, const VLClientFailure& failure) {
-    const auto data = withBody && carriesBody(method) ? platform::writeJson(*withBody) : std::nullopt;
-    const auto url =
-        platform::percentEncoded(textOf(toPath, withParams), platform::UrlCharacters::queryAllowed);
+/// An attempt, with a failure of its own.
+std::shared_ptr<VLDataTask> send(const VLCall& call, const VLClientFailure& failure) {
+    const auto method = VLClient::getStringOfHttpRequestMethod(call.method);
+    const auto data = call.body && carriesBody(call.method) ? platform::writeJson(*call.body) : std::nullopt;
     const auto headers =
-        andIncludeCustomHeaders ? std::optional(VLRequestHeaders::getHeaders()) : std::nullopt;
-    auto request = requestWithURL(url, getStringOfHttpRequestMethod(method), data, headers);
-    request.requiresSecureTransport = toPath.starts_with(VLWebServices::siteRootUrl() + "/");
+        call.includeCustomHeaders ? std::optional(VLRequestHeaders::getHeaders()) : std::nullopt;
+    auto request = VLClient::requestWithURL(urlOf(call), method, data, headers);
+    request.requiresSecureTransport = call.url.starts_with(VLWebServices::siteRootUrl() + "/");
 
     auto task = std::make_shared<VLDataTask>(platform::UrlSession::shared().dataTask(
-        std::move(request), [receive, success, failure](platform::UrlOutcome outcome) {
+        std::move(request),
+        [receive = call.receive, success = call.success, failure](platform::UrlOutcome outcome) {
             complete(std::move(outcome), receive, success, failure);
         }));
     task->task->resume();
     return task;
 }
 
-std::shared_ptr<VLDataTask> VLClient::sendRequestOfMethod(
-    VLHttpRequestMethod method, const std::string& toPath, const std::optional<Dictionary>& withParams,
-    const std::optional<Dictionary>& withDictBody, bool andIncludeCustomHeaders, const VLReceive& receive,
-    const VLClientSuccess& success, const VLClientFailure& failure, VLRetryMode retry) {
-    const auto call = std::make_shared<const Call>(
-        Call{method, toPath, withParams, withDictBody, andIncludeCustomHeaders, receive, success, failure});
-    return call->send([call, retry](const VLClientError& error) {
-        if (error.responseCode() == kUnauthorized && retry == VLRetryMode::withNewToken)
-            return sendWithNewToken(call);
-        if (error.responseCode() == kUnauthorized && retry == VLRetryMode::asItStands) {
-            call->send(call->failure);
+void sendWithNewToken(const std::shared_ptr<const VLCall>& call) {
+    const auto onToken = [call](std::int64_t, const VLResult& result) {
+        VLDefaults::setAuthorizationToken(resultAs<VLTokenResponse>(result)->getToken());
+        VLClient::sendRequestOfMethod(*call);
+    };
+    const auto onNoToken = [call](const VLClientError& error) {
+        VLLog("failed getting token from server...");
+        call->failure(error);
+    };
+    VLClient::sendRequestOfMethod({.url = VLWebServices::getTokenUrl(),
+                                   .includeCustomHeaders = true,
+                                   .receive = receive<VLTokenResponse>(),
+                                   .success = onToken,
+                                   .failure = onNoToken});
+}
+
+}  // namespace
+
+std::shared_ptr<VLDataTask> VLClient::sendRequestOfMethod(const VLCall& call) {
+    return send(call, call.failure);
+}
+
+std::shared_ptr<VLDataTask> VLClient::sendRequestOfMethod(const VLCall& call, VLRetryMode retry) {
+    const auto kept = std::make_shared<const VLCall>(call);
+    return send(call, [kept, retry](const VLClientError& error) {
+        const bool isUnauthorized = error.responseCode() == kUnauthorized;
+        if (isUnauthorized && retry == VLRetryMode::withNewToken) return sendWithNewToken(kept);
+        if (isUnauthorized && retry == VLRetryMode::asItStands) {
+            sendRequestOfMethod(*kept);
             return;
         }
-        call->failure(error);
+        kept->failure(error);
     });
 }
 
-std::shared_ptr<VLDataTask> VLClient::sendRequestOfMethod(
-    VLHttpRequestMethod method, const std::string& toPath, const std::optional<Dictionary>& withParams,
-    const std::shared_ptr<VLSerializedModel>& withBody, bool andIncludeCustomHeaders,
-    const VLReceive& receive, const VLClientSuccess& success, const VLClientFailure& failure,
-    VLRetryMode retry) {
-    const auto body = withBody ? std::optional(dictionaryOf(*withBody)) : std::nullopt;
-    return sendRequestOfMethod(method, toPath, withParams, body, andIncludeCustomHeaders, receive, success,
-                               failure, retry);
+std::shared_ptr<VLDataTask> VLClient::sendRequestOfMethod(VLCall call,
+                                                          const std::shared_ptr<VLSerializedModel>& withBody,
+                                                          VLRetryMode retry) {
+    call.body = withBody ? std::optional(dictionaryOf(*withBody)) : std::nullopt;
+    return sendRequestOfMethod(call, retry);
 }
 
 platform::UrlRequest VLClient::requestWithURL(const std::string& url, const std::string& kind,

@@ -30,14 +30,9 @@ std::shared_ptr<VLRequestQueue> VLRequestQueue::sharedRequestQueue() {
         made = *instance = std::make_shared<VLRequestQueue>();
         made->loadData();
     }
-    // The second half of what `init` does, outside the lock: it sends.
+    // Outside the lock: it sends.
     made->sendRequests();
     return made;
-}
-
-void VLRequestQueue::init() {
-    loadData();
-    sendRequests();
 }
 
 void VLRequestQueue::loadData() {

@@ -17,9 +17,6 @@ public:
     /// The one of the process, made by the first call, which also starts the sending.
     [[nodiscard]] static std::shared_ptr<VLRequestQueue> sharedRequestQueue();
 
-    /// Loads the stored queue and starts the sending.
-    void init();
-
     void loadData();
     void saveRequests();
 

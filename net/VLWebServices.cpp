@@ -4,9 +4,11 @@
 #include "model/VLRewardResponseModel.h"
 #include "model/VLSuggestionListDirectResponseModel.h"
 #include "net/VLCachedRequestItem.h"
+#include "net/VLClient.h"
 #include "platform/Value.h"
 
 #include <cstdlib>
+#include <utility>
 
 namespace velmora {
 
@@ -95,21 +97,25 @@ void VLWebServices::getAdSuggestionsWithBody(
     const auto checked = [success](const std::shared_ptr<VLSuggestionListDirectResponseModel>& list) {
         if (success) success(list);
     };
-    callWebServiceOfMethod(VLHttpRequestMethod::post, getSuggestionsUrl(), std::nullopt, body, true,
-                           receive<VLSuggestionListDirectResponseModel>(), asList(checked), failure);
+    callWebServiceOfMethod({.method = VLHttpRequestMethod::post,
+                            .url = getSuggestionsUrl(),
+                            .includeCustomHeaders = true,
+                            .receive = receive<VLSuggestionListDirectResponseModel>(),
+                            .success = asList(checked),
+                            .failure = failure},
+                           body);
 }
 
 void VLWebServices::sendCrashReportWithBody(const std::shared_ptr<VLSerializedModel>& body,
                                             const VLSuccess<std::optional<std::string>>& success,
                                             const VLFailure& failure) {
-    callWebServiceOfMethod(VLHttpRequestMethod::get, getCrashReportUrl(), std::nullopt, body, false, {},
-                           asText(success), failure);
+    callWebServiceOfMethod({.url = getCrashReportUrl(), .success = asText(success), .failure = failure},
+                           body);
 }
 
 void VLWebServices::callUrl(const std::string& url, const VLSuccess<std::optional<std::string>>& success,
                             const VLFailure& failure) {
-    callWebServiceOfMethod(VLHttpRequestMethod::get, url, std::nullopt, std::shared_ptr<VLSerializedModel>(),
-                           false, {}, asText(success), failure);
+    callWebServiceOfMethod({.url = url, .success = asText(success), .failure = failure});
 }
 
 void VLWebServices::getCachingStrategyForZoneId(
@@ -118,9 +124,12 @@ void VLWebServices::getCachingStrategyForZoneId(
     const VLFailure& failure) {
     Dictionary params{{"doneCount", std::to_string(doneCount)}, {"doingCount", std::to_string(doingCount)}};
     if (zoneId) params["zoneId"] = *zoneId;
-    callWebServiceOfMethod(VLHttpRequestMethod::get, getCachingStrategyUrl(), params,
-                           std::shared_ptr<VLSerializedModel>(), true,
-                           receive<VLSuggestionListDirectResponseModel>(), asList(success), failure);
+    callWebServiceOfMethod({.url = getCachingStrategyUrl(),
+                            .params = params,
+                            .includeCustomHeaders = true,
+                            .receive = receive<VLSuggestionListDirectResponseModel>(),
+                            .success = asList(success),
+                            .failure = failure});
 }
 
 void VLWebServices::callCachedRequest(const std::shared_ptr<VLCachedRequestItem>& item,
@@ -136,27 +145,23 @@ void VLWebServices::callCachedRequest(const std::shared_ptr<VLCachedRequestItem>
         if (remove && error.responseCode() == kServerError) remove();
         if (failure) failure(error);
     };
-    callWebServiceOfMethod(item->getHTTPRequestMode(),
-                           platform::asString(item->getUrl()).value_or(std::string()),
-                           dictionaryIn(item->getInputs()), dictionaryIn(item->getJsonParams()),
-                           item->shouldIncludeCustomHeaders(),
-                           remove ? receive<VLRewardResponseModel>() : VLReceive(), onSuccess, onFailure);
+    callWebServiceOfMethod({.method = item->getHTTPRequestMode(),
+                            .url = platform::asString(item->getUrl()).value_or(std::string()),
+                            .params = dictionaryIn(item->getInputs()),
+                            .body = dictionaryIn(item->getJsonParams()),
+                            .includeCustomHeaders = item->shouldIncludeCustomHeaders(),
+                            .receive = remove ? receive<VLRewardResponseModel>() : VLReceive(),
+                            .success = onSuccess,
+                            .failure = onFailure});
 }
 
-std::shared_ptr<VLDataTask> VLWebServices::callWebServiceOfMethod(
-    VLHttpRequestMethod method, const std::string& withPath, const std::optional<Dictionary>& withParams,
-    const std::optional<Dictionary>& withDictBody, bool includeCustomHeaders, const VLReceive& receive,
-    const VLClientSuccess& success, const VLClientFailure& failure) {
-    return VLClient::sendRequestOfMethod(method, withPath, withParams, withDictBody, includeCustomHeaders,
-                                         receive, success, failure, VLRetryMode::withNewToken);
+std::shared_ptr<VLDataTask> VLWebServices::callWebServiceOfMethod(const VLCall& call) {
+    return VLClient::sendRequestOfMethod(call, VLRetryMode::withNewToken);
 }
 
-std::shared_ptr<VLDataTask> VLWebServices::callWebServiceOfMethod(
-    VLHttpRequestMethod method, const std::string& withPath, const std::optional<Dictionary>& withParams,
-    const std::shared_ptr<VLSerializedModel>& withBody, bool includeCustomHeaders, const VLReceive& receive,
-    const VLClientSuccess& success, const VLClientFailure& failure) {
-    return VLClient::sendRequestOfMethod(method, withPath, withParams, withBody, includeCustomHeaders,
-                                         receive, success, failure, VLRetryMode::withNewToken);
+std::shared_ptr<VLDataTask>
+VLWebServices::callWebServiceOfMethod(VLCall call, const std::shared_ptr<VLSerializedModel>& withBody) {
+    return VLClient::sendRequestOfMethod(std::move(call), withBody, VLRetryMode::withNewToken);
 }
 
 }  // namespace velmora

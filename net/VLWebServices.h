@@ -1,6 +1,7 @@
 #pragma once
 
-#include "net/VLClient.h"
+#include "net/VLCall.h"
+#include "net/VLDataTask.h"
 
 #include <cstdint>
 #include <functional>
@@ -68,14 +69,10 @@ public:
                                   const std::function<void(std::int64_t status)>& success,
                                   const VLFailure& failure);
 
-    static std::shared_ptr<VLDataTask> callWebServiceOfMethod(
-        VLHttpRequestMethod method, const std::string& withPath, const std::optional<Dictionary>& withParams,
-        const std::optional<Dictionary>& withDictBody, bool includeCustomHeaders, const VLReceive& receive,
-        const VLClientSuccess& success, const VLClientFailure& failure);
-    static std::shared_ptr<VLDataTask> callWebServiceOfMethod(
-        VLHttpRequestMethod method, const std::string& withPath, const std::optional<Dictionary>& withParams,
-        const std::shared_ptr<VLSerializedModel>& withBody, bool includeCustomHeaders,
-        const VLReceive& receive, const VLClientSuccess& success, const VLClientFailure& failure);
+    static std::shared_ptr<VLDataTask> callWebServiceOfMethod(const VLCall& call);
+    /// The same with a record as the body; none when it is null.
+    static std::shared_ptr<VLDataTask>
+    callWebServiceOfMethod(VLCall call, const std::shared_ptr<VLSerializedModel>& withBody);
 };
 
 }  // namespace velmora

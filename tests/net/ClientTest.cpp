@@ -55,14 +55,17 @@ protected:
     }
     void TearDown() override { ::unsetenv("VELMORA_API_BASE_URL"); }
 
-    std::string send(VLHttpRequestMethod method, const std::string& path,
-                     const std::optional<Dictionary>& params, const std::optional<Dictionary>& body,
-                     bool headers, const VLReceive& receive, VLRetryMode retry = VLRetryMode::none) {
+    static std::string send(VLCall call, VLRetryMode retry = VLRetryMode::none) {
         const auto ends = std::make_shared<Ends>();
-        VLClient::sendRequestOfMethod(method, path, params, body, headers, receive, success(ends),
-                                      failure(ends), retry);
+        call.success = success(ends);
+        call.failure = failure(ends);
+        VLClient::sendRequestOfMethod(call, retry);
         EXPECT_TRUE(ends->count(1));
         return ends->values().front();
+    }
+
+    [[nodiscard]] std::string get(const std::string& path, const VLReceive& receive = {}) const {
+        return send({.url = server_.url(path), .receive = receive});
     }
 
     std::atomic<int> unauthorized_ = 0;
@@ -76,6 +79,8 @@ protected:
                                if (request.target == "/v2/coins")
                                    return Script::answer(200, R"({"awardedCoin": 3})");
                                if (request.target == "/v2/not-json") return Script::answer(200, "<html>");
+                               if (request.target == "/v2/cut-short")
+                                   return Script{.bytes = "HTTP/1.1 200 OK\r\nServer: s\r\n"};
                                if (request.target == "/v2/hangs")
                                    return Script{.bytes = "HTTP/1.1", .hang = true};
                                if (request.target == "/v2/201") return Script::answer(201, "made");
@@ -87,10 +92,10 @@ protected:
 TEST_F(ClientTest, ARequestCarriesItsMethodParametersBodyAndHeaders) {
     const auto url = server_.url("/v2/x");
     const Dictionary body{{"a", 1}};
-    send(VLHttpRequestMethod::get, url, Dictionary{{"a", "x y"}, {"n", 25.0}}, body, false, {});
-    send(VLHttpRequestMethod::post, url, std::nullopt, body, true, {});
-    send(VLHttpRequestMethod::put, url, Dictionary(), body, false, {});
-    send(static_cast<VLHttpRequestMethod>(7), url, std::nullopt, body, false, {});
+    send({.url = url, .params = Dictionary{{"a", "x y"}, {"n", 25.0}}, .body = body});
+    send({.method = VLHttpRequestMethod::post, .url = url, .body = body, .includeCustomHeaders = true});
+    send({.method = VLHttpRequestMethod::put, .url = url, .params = Dictionary(), .body = body});
+    send({.method = static_cast<VLHttpRequestMethod>(7), .url = url, .body = body});
 
     const auto seen = server_.seen();
     ASSERT_EQ(seen.size(), 4U);
@@ -108,16 +113,15 @@ TEST_F(ClientTest, ARequestCarriesItsMethodParametersBodyAndHeaders) {
 
 TEST_F(ClientTest, OnlyAnAnswerWithStatus200IsASuccess) {
     const auto coins = receive<VLRewardResponseModel>();
-    const auto get = VLHttpRequestMethod::get;
-    EXPECT_EQ(send(get, server_.url("/v2/coins"), {}, {}, false, coins), "200 coins 3");
-    EXPECT_EQ(send(get, server_.url("/v2/not-json"), {}, {}, false, coins), "200 coins 0");
-    EXPECT_EQ(send(get, server_.url("/v2/not-json"), {}, {}, false, {}), "200 <html>");
-    EXPECT_EQ(send(get, server_.url("/v2/201"), {}, {}, false, {}), "failed 201");
-    EXPECT_EQ(send(get, "http://127.0.0.1:1/", {}, {}, false, {}), "failed -1 broken off");
+    EXPECT_EQ(get("/v2/coins", coins), "200 coins 3");
+    EXPECT_EQ(get("/v2/not-json", coins), "200 coins 0");
+    EXPECT_EQ(get("/v2/not-json"), "200 <html>");
+    EXPECT_EQ(get("/v2/201"), "failed 201");
+    EXPECT_EQ(get("/v2/cut-short"), "failed 200 broken off");
+    EXPECT_EQ(send({.url = "http://127.0.0.1:1/"}), "failed -1 broken off");
 
     const auto ends = std::make_shared<Ends>();
-    VLClient::sendRequestOfMethod(get, server_.url("/v2/x"), {}, std::optional<Dictionary>(), false, {}, {},
-                                  failure(ends));
+    VLClient::sendRequestOfMethod({.url = server_.url("/v2/x"), .failure = failure(ends)});
     ASSERT_TRUE(ends->count(1));
     EXPECT_THAT(ends->values(), ElementsAre("failed 200"));
 }
@@ -146,7 +150,11 @@ TEST_F(ClientTest, A401IsTriedAgainOnceAsTheModeSays) {
         VLDefaults::setAuthorizationToken(std::nullopt);
         unauthorized_ = one.unauthorized;
         tokenStatus_ = one.tokenStatus;
-        EXPECT_EQ(send(VLHttpRequestMethod::post, server_.url(guarded), {}, Dictionary(), true, {}, one.mode),
+        EXPECT_EQ(send({.method = VLHttpRequestMethod::post,
+                        .url = server_.url(guarded),
+                        .body = Dictionary(),
+                        .includeCustomHeaders = true},
+                       one.mode),
                   one.end);
         const auto seen = server_.seen();
         std::vector<std::string> targets;
@@ -161,12 +169,11 @@ TEST_F(ClientTest, A401IsTriedAgainOnceAsTheModeSays) {
 
 TEST_F(ClientTest, ACancelledRequestCallsNeitherCallback) {
     const auto ends = std::make_shared<Ends>();
-    const auto task =
-        VLClient::sendRequestOfMethod(VLHttpRequestMethod::get, server_.url("/v2/hangs"), {},
-                                      std::optional<Dictionary>(), false, {}, success(ends), failure(ends));
+    const auto task = VLClient::sendRequestOfMethod(
+        {.url = server_.url("/v2/hangs"), .success = success(ends), .failure = failure(ends)});
     task->cancel();
     // What is asked for later completes later, on the same queue.
-    send(VLHttpRequestMethod::get, server_.url("/v2/y"), {}, {}, false, {});
+    EXPECT_EQ(get("/v2/y"), "200 text");
     EXPECT_TRUE(ends->values().empty());
     EXPECT_EQ(task->state(), 3);
 }
@@ -175,9 +182,20 @@ TEST_F(ClientTest, ThePlainApiBaseIsForTheLoopbackOnly) {
     ::setenv("VELMORA_API_BASE_URL", "http://ads.example/v2/", 1);
     EXPECT_EQ(VLWebServices::getTokenUrl(), "http://ads.example/v2/token/");
     const LogCapture log;
-    EXPECT_EQ(send(VLHttpRequestMethod::get, VLWebServices::getTokenUrl(), {}, {}, false, {}),
-              "failed -1 broken off");
+    EXPECT_EQ(send({.url = VLWebServices::getTokenUrl()}), "failed -1 broken off");
     EXPECT_TRUE(log.has("Refused to send a request over http"));
+}
+
+TEST_F(ClientTest, TheApiBaseMayBeAnAddressInBrackets) {
+    std::optional<ScriptedServer> server;
+    try {
+        server.emplace([](const SeenRequest&) { return Script::answer(200, "six"); }, nullptr, "::1");
+    } catch (const std::exception& error) {
+        GTEST_SKIP() << "no IPv6 on this machine: " << error.what();
+    }
+    ::setenv("VELMORA_API_BASE_URL", server->url("/v2").c_str(), 1);
+    EXPECT_EQ(send({.url = VLWebServices::getTokenUrl(), .params = Dictionary{{"a", "[x]"}}}), "200 six");
+    EXPECT_EQ(server->seen().front().target, "/v2/token/?a=%5Bx%5D");
 }
 
 TEST(RequestHeaders, OptionalOnesAppearOnceTheirValuesAreStored) {
