@@ -36,7 +36,8 @@ TEST(Leaving, TransfersThatStartDuringTheExitWorkOfAnApplicationAreWholeAndLater
         Await<bool> left;
         const ScriptedServer server([&](const SeenRequest& request) {
             if (request.target == "/left") left.add(true);
-            EXPECT_TRUE(left.count(1));
+            const bool mustWait = request.target == "/";
+            EXPECT_TRUE(!mustWait || left.count(1));
             return Script::answer(200, "x");
         });
         auto tell = server.url("/left");
@@ -45,7 +46,7 @@ TEST(Leaving, TransfersThatStartDuringTheExitWorkOfAnApplicationAreWholeAndLater
         runLeaver(server.url("/") + " " + tell);
 
         const auto seen = server.seen();
-        EXPECT_EQ(seen.size(), 41U);
+        EXPECT_EQ(seen.size(), 42U);
         for (const auto& request : seen) {
             EXPECT_EQ(request.headers.at("user-agent"), "velmora-leaver-with-a-long-name/0");
         }
