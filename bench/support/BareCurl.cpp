@@ -1,6 +1,11 @@
 #include "support/BareCurl.h"
 
+#include <cstdio>
+#include <cstdlib>
 #include <deque>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace velmora::bench {
 
@@ -9,6 +14,27 @@ namespace {
 std::size_t keep(char* bytes, std::size_t one, std::size_t size, void* text) {
     static_cast<std::string*>(text)->append(bytes, one * size);
     return one * size;
+}
+
+/// A file, and how much of it was handed to the disk already.
+struct Output {
+    int descriptor;
+    off_t written = 0;
+    off_t handedOver = 0;
+};
+
+std::size_t store(char* bytes, std::size_t one, std::size_t size, void* output) {
+    constexpr off_t kHandOver = off_t{1024} * 1024;
+    auto& file = *static_cast<Output*>(output);
+    size *= one;
+    if (::write(file.descriptor, bytes, size) != static_cast<ssize_t>(size)) return CURL_WRITEFUNC_ERROR;
+    file.written += static_cast<off_t>(size);
+    if (file.written - file.handedOver >= kHandOver) {
+        ::sync_file_range(file.descriptor, file.handedOver, file.written - file.handedOver,
+                          SYNC_FILE_RANGE_WRITE);
+        file.handedOver = file.written;
+    }
+    return size;
 }
 
 }  // namespace
@@ -43,6 +69,22 @@ std::string BareCurl::post(const std::string& url, const std::string& body, cons
     while (turn() == 0) continue;
     curl_slist_free_all(list);
     return answer;
+}
+
+void BareCurl::download(const std::string& url, const std::string& file) {
+    constexpr long kReceiveBuffer = 128L * 1024;
+    const auto temporary = file + ".part";
+    Output output{::open(temporary.c_str(), O_CREAT | O_TRUNC | O_WRONLY | O_CLOEXEC, 0600)};
+    auto* handle = curl_easy_init();
+    curl_easy_setopt(handle, CURLOPT_URL, url.c_str());
+    curl_easy_setopt(handle, CURLOPT_BUFFERSIZE, kReceiveBuffer);
+    curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, store);
+    curl_easy_setopt(handle, CURLOPT_WRITEDATA, &output);
+    curl_multi_add_handle(multi_, handle);
+    while (turn() == 0) continue;
+    if (::fsync(output.descriptor) != 0 || ::close(output.descriptor) != 0 ||
+        std::rename(temporary.c_str(), file.c_str()) != 0)
+        std::exit(2);
 }
 
 CURL* BareCurl::make(const std::string& url, std::string& body) {

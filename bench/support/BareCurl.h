@@ -23,6 +23,9 @@ public:
     /// The answer's body. Headers as lines, "Name: value".
     std::string post(const std::string& url, const std::string& body, const Headers& headers);
 
+    /// Flushed to the disk under a temporary name, then renamed.
+    void download(const std::string& url, const std::string& file);
+
 private:
     static CURL* make(const std::string& url, std::string& body);
     /// How many ended.
