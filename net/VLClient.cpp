@@ -37,12 +37,13 @@ std::string textOf(const VLCall& call) {
 }
 
 /// How much of a URL is its scheme and an address in brackets, which are no characters of a query.
-std::size_t sizeWithBrackets(std::string_view url) {
-    const auto open = url.find("://[");
-    const auto close = url.find(']');
-    const bool isAddress = open != std::string_view::npos && close != std::string_view::npos &&
-                           url.find_first_not_of("0123456789abcdefABCDEF:.", open + 4) == close;
-    return isAddress ? close + 1 : 0;
+std::size_t sizeWithBrackets(const std::string& url) {
+    static constexpr std::string_view kOpening = "://[";
+    const auto open = url.find(':');
+    if (open == std::string::npos || url.compare(open, kOpening.size(), kOpening) != 0) return 0;
+    const auto close = url.find_first_not_of("0123456789abcdefABCDEF:.", open + kOpening.size());
+    if (close == std::string::npos || url[close] != ']') return 0;
+    return close + 1;
 }
 
 /// Percent-encoded once, as a whole.
