@@ -14,6 +14,8 @@
 #include "platform/FileManager.h"
 #include "platform/Json.h"
 #include "support/Await.h"
+#include "support/Environment.h"
+#include "support/Files.h"
 #include "support/ManualClock.h"
 #include "support/OddUrls.h"
 #include "support/ScriptedServer.h"
@@ -21,8 +23,6 @@
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
-#include <fstream>
-#include <thread>
 
 #include <QCoreApplication>
 #include <gmock/gmock.h>
@@ -55,31 +55,104 @@ std::shared_ptr<VLCachedRequestItem> item(const std::string& url, VLCallBackType
         .request;
 }
 
-TEST(CachedRequest, WhatItReportedLeavesTheStoreAfterASuccessAndAfterA500) {
+TEST(CachedRequest, ItGoesOutAsItWasBuiltAndClearsTheStoreBeforeItsCallback) {
     const ScriptedServer server([](const SeenRequest& request) {
         return Script::answer(std::atoi(request.target.c_str() + 1), "{}");
     });
     struct Case {
         VLCallBackType type;
         const char* path;
-        bool succeeds;
+        std::int64_t end;
         bool removes;
     };
-    for (const auto& one : {Case{VLCallBackType::rewardWithFinalStates, "/200", true, true},
-                            Case{VLCallBackType::rewardWithFinalStates, "/500", false, true},
-                            Case{VLCallBackType::rewardWithFinalStates, "/404", false, false},
-                            Case{VLCallBackType::rewardWithoutFinalStates, "/200", true, false},
-                            Case{static_cast<VLCallBackType>(7), "/200", true, false}}) {
+    constexpr auto kThree = static_cast<VLCallBackType>(3);
+    for (const auto& one :
+         {Case{VLCallBackType::rewardWithFinalStates, "/200", 200, true},
+          Case{VLCallBackType::rewardWithFinalStates, "/500", -500, true},
+          Case{VLCallBackType::rewardWithFinalStates, "/404", -404, false},
+          Case{VLCallBackType::rewardWithoutFinalStates, "/200", 200, false},
+          Case{VLCallBackType::rewardWithoutFinalStates, "/500", -500, false},
+          Case{VLCallBackType::none, "/200", 200, false}, Case{VLCallBackType::none, "/500", -500, false},
+          Case{kThree, "/200", 200, false}, Case{kThree, "/500", -500, false}}) {
+        SCOPED_TRACE(std::to_string(static_cast<int>(one.type)) + one.path);
         storeState("s");
-        const auto ends = std::make_shared<Await<bool>>();
-        VLWebServices::callCachedRequest(
-            item(server.url(one.path), one.type), [ends](std::int64_t) { ends->add(true); },
-            [ends](const VLClientError&) { ends->add(false); });
+        const auto ends = std::make_shared<Await<std::pair<std::int64_t, bool>>>();
+        const auto add = [ends](std::int64_t end) { ends->add({end, finalStateIds().empty()}); };
+        const auto request = item(server.url(one.path), one.type);
+        request->callBackFinalStateSuggestionIds = Value(Array{"another"});
+        VLWebServices::callCachedRequest(request, add,
+                                         [add](const VLClientError& error) { add(-error.responseCode()); });
         ASSERT_TRUE(ends->count(1));
-        EXPECT_EQ(ends->values().front(), one.succeeds) << one.path;
-        EXPECT_EQ(finalStateIds().empty(), one.removes) << one.path;
+        EXPECT_THAT(ends->values(), ElementsAre(std::pair(one.end, one.removes)));
+        const auto seen = server.seen().back();
+        EXPECT_EQ(seen.method + " " + seen.target + " " + seen.body,
+                  std::string("POST ") + one.path + R"( {"b":1})");
+        EXPECT_TRUE(seen.headers.contains("sdk-version"));
     }
     VLWebServices::callCachedRequest(nullptr, {}, {});
+
+    const auto bare = VLRequestBuilder::createRequestForUrl(server.url("/200"), Dictionary{{"i", "n"}},
+                                                            VLHttpRequestMethod::get)
+                          .request;
+    bare->setShouldIncludeCustomHeaders(false);
+    Await<std::int64_t> end;
+    VLWebServices::callCachedRequest(bare, [&](std::int64_t status) { end.add(status); }, {});
+    ASSERT_TRUE(end.count(1));
+    const auto seen = server.seen().back();
+    EXPECT_EQ(seen.method + " " + seen.target + " " + seen.body, "GET /200?i=n ");
+    EXPECT_FALSE(seen.headers.contains("sdk-version"));
+}
+
+TEST(WebServices, EachOperationHasItsMethodAddressHeadersAndResult) {
+    const ScriptedServer server(
+        [](const SeenRequest&) { return Script::answer(200, R"({"suggestions": [{}, {}]})"); });
+    const Environment base("VELMORA_API_BASE_URL", server.url("/v2").c_str());
+    const auto body = std::make_shared<VLRewardRequestJsonParams>();
+    Await<std::string> ends;
+    const auto onText = [&](const std::optional<std::string>& text) { ends.add(text.value_or("absent")); };
+    const auto onList = [&](const std::shared_ptr<VLSuggestionListDirectResponseModel>& list) {
+        ends.add(std::to_string(list->suggestions.get()->size()) + " suggestions");
+    };
+    const auto onFailure = [&](const VLClientError& error) {
+        ends.add("failed " + std::to_string(error.responseCode()));
+    };
+    const auto url = server.url("/elsewhere?a=b");
+    const char* text = R"({"suggestions": [{}, {}]})";
+    struct Case {
+        std::function<void()> call;
+        std::string request;
+        bool hasHeaders;
+        bool hasBody;
+        std::string end;
+    };
+    const std::vector<Case> cases{
+        {[&] { VLWebServices::getAdSuggestionsWithBody(body, onList, onFailure); }, "POST /v2/suggestions/",
+         true, true, "2 suggestions"},
+        {[&] { VLWebServices::sendCrashReportWithBody(body, onText, onFailure); },
+         "GET /v2/common/send-crash", false, false, text},
+        {[&] { VLWebServices::callUrl(url, onText, onFailure); }, "GET /elsewhere?a=b", false, false, text},
+        {[&] { VLWebServices::getCachingStrategyForZoneId("z", 1, 2, onList, onFailure); },
+         "GET /v2/strategies/caching?doneCount=1&doingCount=2&zoneId=z", true, false, "2 suggestions"},
+        {[&] { VLWebServices::getCachingStrategyForZoneId(std::nullopt, 1, 2, onList, onFailure); },
+         "GET /v2/strategies/caching?doneCount=1&doingCount=2", true, false, "2 suggestions"},
+    };
+    for (std::size_t i = 0; i < cases.size(); ++i) {
+        const auto& one = cases[i];
+        one.call();
+        ASSERT_TRUE(ends.count(i + 1));
+        EXPECT_EQ(ends.values().back(), one.end) << one.request;
+        const auto seen = server.seen().back();
+        EXPECT_EQ(seen.method + " " + seen.target, one.request);
+        EXPECT_EQ(seen.headers.contains("sdk-version"), one.hasHeaders) << one.request;
+        EXPECT_EQ(!seen.body.empty(), one.hasBody) << one.request;
+    }
+    EXPECT_THAT((std::vector{VLWebServices::getSuggestionSelectionUrl("abc"), VLWebServices::getRewardsUrl(),
+                             VLWebServices::getTrackerReportUrl(), VLWebServices::getTokenUrl(),
+                             VLWebServices::getVastUrlForZone("z1")}),
+                ElementsAre(server.url("/v2/suggestions/abc/status/"),
+                            server.url("/v2/suggestions/get-reward"),
+                            server.url("/v2/suggestions/tracker/done"), server.url("/v2/token/"),
+                            server.url("/v2/pre-roll/z1/vast")));
 }
 
 TEST(RequestQueue, ItSendsOneAtATimeInOrderAndTriesAFailedOneAgainAfterAMinute) {
@@ -91,9 +164,9 @@ TEST(RequestQueue, ItSendsOneAtATimeInOrderAndTriesAFailedOneAgainAfterAMinute) 
         const bool fails = request.target == "/2" && failures-- > 0;
         return Script::answer(fails ? 404 : 200, "");
     });
-    const auto until = [&](std::size_t count) {
+    const auto until = [](const std::function<bool()>& holds) {
         const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (server.seen().size() < count && std::chrono::steady_clock::now() < end) {
+        while (!holds() && std::chrono::steady_clock::now() < end) {
             QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
         }
     };
@@ -104,16 +177,13 @@ TEST(RequestQueue, ItSendsOneAtATimeInOrderAndTriesAFailedOneAgainAfterAMinute) 
     VLDefaults::setRequestQueue(stored);
 
     const auto queue = VLRequestQueue::sharedRequestQueue();
-    until(2);
     queue->addRequest(item(server.url("/never"), VLCallBackType::none));
-    // The wait begins once the failure has been reported.
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (server.seen().size() < 4 && std::chrono::steady_clock::now() < end) {
-        clock->advance(std::chrono::seconds(60));
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    until(4);
+    until([&] { return clock->waiting() == 1; });
+    clock->advance(std::chrono::milliseconds(59'900));
+    EXPECT_EQ(clock->waiting(), 1U);
+    clock->advance(std::chrono::milliseconds(100));
+    EXPECT_EQ(clock->waiting(), 0U);
+    until([&] { return !queue->isSendingLogs; });
     EXPECT_THAT(targets(server), ElementsAre("/1", "/2", "/2", "/3"));
     EXPECT_EQ(VLDefaults::getRequestQueue()->count(), 3U);
 }
@@ -202,11 +272,37 @@ TEST(InternetCacher, AFileIsFetchedOnceAndNeverLeavesItsFolder) {
     EXPECT_EQ(odd, oddUrls("").size());
     EXPECT_EQ(get("http://127.0.0.1:1/v", "v.mp4"), "Video file download failed");
     EXPECT_EQ(get(server.url("/v"), "v.mp4"), (folder / "v.mp4").string());
-    EXPECT_EQ(get(server.url("/other"), "v.mp4"), (folder / "v.mp4").string());
+    bool isTold = false;
+    VLInternetCacher::sharedCacher().getFileAsyncFromUrl(
+        server.url("/other"), "v.mp4", [&](const std::string&, const std::string&) { isTold = true; }, {});
+    EXPECT_TRUE(isTold) << "before it returns, for a file that is there";
+    const auto lock = VLInternetCacher::sharedCacher().getLockForFileName((folder / "v.mp4").string());
+    EXPECT_TRUE(lock->tryLock());
     EXPECT_EQ(server.seen().size(), odd + 1);
-    std::string content;
-    std::getline(std::ifstream(folder / "v.mp4"), content);
-    EXPECT_EQ(content, "a page instead");
+    EXPECT_EQ(contentOf(folder / "v.mp4"), "a page instead");
+}
+
+TEST(InternetCacher, TwoDownloadsOfOneNameBothRunAndLeaveOneWholeFile) {
+    Await<std::string> asked;
+    const ScriptedServer server([&](const SeenRequest& request) {
+        asked.add(request.target);
+        EXPECT_TRUE(asked.count(2)) << "one waits for the other";
+        return Script::answer(200, std::string(100'000, request.target.back()));
+    });
+    Await<std::string> ends;
+    for (const auto* path : {"/a", "/b"}) {
+        VLInternetCacher::sharedCacher().getFileAsyncFromUrl(
+            server.url(path), "same",
+            [&](const std::string& url, const std::string& file) { ends.add(url + " " + file); },
+            [&](const std::optional<std::string>&, const std::string& message) { ends.add(message); });
+    }
+    ASSERT_TRUE(ends.count(2));
+    const auto file = platform::FileManager::documentsDirectory() / "same";
+    EXPECT_THAT(ends.values(), testing::UnorderedElementsAre(server.url("/a ") + file.string(),
+                                                             server.url("/b ") + file.string()));
+    const auto content = contentOf(file);
+    EXPECT_EQ(content.size(), 100'000U);
+    EXPECT_EQ(content.find_first_not_of(content.front()), std::string::npos);
 }
 
 TEST(DeviceFacts, DigestsAndTheSharedDescriptionFollowTheirRules) {

@@ -25,4 +25,9 @@ void ManualClock::advance(std::chrono::milliseconds time) {
     }
 }
 
+std::size_t ManualClock::waiting() const {
+    const platform::MutexLock lock(mutex_);
+    return waiting_.size();
+}
+
 }  // namespace velmora::test

@@ -17,6 +17,9 @@ public:
     /// Moves on; delays that end meanwhile give their work to the main queue, in the order of their ends.
     void advance(std::chrono::milliseconds time);
 
+    /// How many delays have not ended.
+    [[nodiscard]] std::size_t waiting() const;
+
 private:
     using Time = std::chrono::system_clock::time_point;
 

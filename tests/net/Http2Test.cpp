@@ -1,0 +1,93 @@
+#include "platform/UrlSession.h"
+#include "support/Await.h"
+#include "support/Certificates.h"
+#include "support/Environment.h"
+#include "support/Files.h"
+#include "support/Process.h"
+#include "support/TemporaryDirectory.h"
+
+#include <chrono>
+
+#include <arpa/inet.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace velmora::test {
+
+namespace {
+
+using platform::UrlOutcome;
+using platform::UrlRequest;
+using platform::UrlSession;
+
+constexpr const char* kServerProgram = "/usr/sbin/nghttpd";
+
+/// A port that nobody listens on.
+std::uint16_t freePort() {
+    const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    ::bind(socket, reinterpret_cast<sockaddr*>(&address), size);
+    ::getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size);
+    ::close(socket);
+    return ntohs(address.sin_port);
+}
+
+UrlOutcome fetch(const std::string& url, const std::optional<std::filesystem::path>& file = {}) {
+    Await<UrlOutcome> end;
+    const auto add = [&](UrlOutcome outcome) { end.add(std::move(outcome)); };
+    UrlRequest request;
+    request.url = url;
+    auto& session = UrlSession::shared();
+    const auto task = file ? session.downloadTask(request, *file, add) : session.dataTask(request, add);
+    task->resume();
+    EXPECT_TRUE(end.count(1));
+    return end.values().front();
+}
+
+// The server speaks nothing else.
+TEST(Http2, ExchangesThatShareAConnectionAreEachWhole) {
+    if (::access(kServerProgram, X_OK) != 0) GTEST_SKIP() << kServerProgram << " is not installed";
+    const TemporaryDirectory folder;
+    const auto certificates = Certificates::makeFor("127.0.0.1");
+    writeContent(folder / "certificate", certificates->certificate);
+    writeContent(folder / "key", certificates->key);
+    writeContent(folder / "large", std::string(3'000'000, 'l'));
+    for (int i = 0; i < 50; ++i) writeContent(folder / std::to_string(i), "body " + std::to_string(i));
+    const auto port = std::to_string(freePort());
+    const Process server([&] {
+        ::execl(kServerProgram, kServerProgram, "--address=127.0.0.1", "--htdocs", folder.path().c_str(),
+                port.c_str(), (folder / "key").c_str(), (folder / "certificate").c_str(), nullptr);
+    });
+    const Environment trust("VELMORA_CA_FILE", certificates->authorityFile().c_str());
+    const auto base = "https://127.0.0.1:" + port + "/";
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (fetch(base + "0").error && std::chrono::steady_clock::now() < end) continue;
+
+    Await<std::string> bodies;
+    for (int i = 0; i < 50; ++i) {
+        UrlRequest request;
+        request.url = base + std::to_string(i);
+        UrlSession::shared()
+            .dataTask(request, [&](const UrlOutcome& outcome) { bodies.add(outcome.data.value_or("none")); })
+            ->resume();
+    }
+    ASSERT_TRUE(bodies.count(50));
+    for (int i = 0; i < 50; ++i)
+        EXPECT_THAT(bodies.values(), testing::Contains("body " + std::to_string(i)).Times(1));
+
+    EXPECT_FALSE(fetch(base + "large", folder / "copy").error);
+    EXPECT_EQ(contentOf(folder / "copy"), contentOf(folder / "large"));
+    const auto missing = fetch(base + "missing");
+    EXPECT_FALSE(missing.error);
+    EXPECT_EQ(missing.response->statusCode, 404);
+}
+
+}  // namespace
+
+}  // namespace velmora::test
