@@ -296,7 +296,10 @@ TEST_F(Facade, ThreadsMayInitialiseItAtOnceAndNobodySeesHalfOfIt) {
         }
     };
     {
-        const Threads threads(5, [&](int thread) { return thread < 4 ? use(thread) : look(); });
+        const Threads threads(5, [&](int thread) {
+            if (thread == 4) return look();
+            use(thread);
+        });
     }
     Velmora::setAdShowFinishedCallback(nullptr);
 }

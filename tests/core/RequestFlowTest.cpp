@@ -11,6 +11,7 @@
 #include "support/Await.h"
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
+#include "support/Program.h"
 #include "support/ScriptedServer.h"
 #include "support/StoreFiles.h"
 
@@ -394,6 +395,14 @@ TEST_F(RequestFlow, TheExpiryNoticeComesOnTheMainThreadWhenTheTimeIsUp) {
     clock->advance(24h);
     QCoreApplication::processEvents();
     EXPECT_EQ(expired_.size(), 2U);
+}
+
+TEST_F(RequestFlow, NoCallbackBeginsOnceTheProcessHasLeftMain) {
+    const TemporaryDirectory data;
+    answer_ = Script::answer(200, answer(suggestion("a", "u")));
+    const auto ended = runProgram({VELMORA_REQUEST_LEAVER}, {{"XDG_DATA_HOME", data.path().string()}});
+    EXPECT_EQ(ended.status, 0) << ended.errors;
+    EXPECT_EQ(asked().size(), 8U);
 }
 
 TEST_F(RequestFlow, ACallbackMayAskAgainAndThrow) {
