@@ -1,8 +1,8 @@
 #pragma once
 
+#include "support/Environment.h"
 #include "support/TemporaryDirectory.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -25,8 +25,6 @@ public:
             << " %u\nMimeType=x-scheme-handler/" << scheme << ";\n";
         std::ofstream(applications / "mimeapps.list")
             << "[Default Applications]\nx-scheme-handler/" << scheme << "=opener.desktop\n";
-        ::setenv("XDG_DATA_HOME", home_.path().c_str(), 1);
-        ::setenv("XDG_CONFIG_HOME", home_.path().c_str(), 1);
     }
 
     /// The URLs in their order, each once it was written down whole.
@@ -41,6 +39,8 @@ private:
     [[nodiscard]] std::filesystem::path seen() const { return home_ / "seen"; }
 
     TemporaryDirectory home_;
+    Environment data_{"XDG_DATA_HOME", home_.path().c_str()};
+    Environment config_{"XDG_CONFIG_HOME", home_.path().c_str()};
 };
 
 }  // namespace velmora::test
