@@ -69,8 +69,9 @@ void VLAdShowUIController::showAd(const std::shared_ptr<VelmoraAd>& showAd,
     videoPathOrUrl.reset();
     initView();
 
+    // In its place at once, like the first picture in it: who waits for an ad gains nothing by two slides.
     if (const auto from = presenter())
-        from->presentViewController(std::make_shared<platform::NavigationController>(self()), true);
+        from->presentViewController(std::make_shared<platform::NavigationController>(self()), false);
     updateSuggestionState();
     if (!ad || !tAd || !tAd->isValid()) return;
     if (ad->isVideoAd()) return startShowingVideoAsReplay(false);
@@ -96,7 +97,7 @@ void VLAdShowUIController::startShowingVideoAsReplay(bool replay) {
     if (!replay && !videoPathOrUrl && requestOptions) chooseSource();
     const auto skip = creative() ? creative()->skipStartPercentage : nullptr;
     if (skip && skip->skipStartPercentage) videoView->setSkipButtonVisible(true);
-    presentViewController(videoView, true);
+    presentViewController(videoView, replay);
 }
 
 void VLAdShowUIController::chooseSource() {
@@ -112,7 +113,7 @@ void VLAdShowUIController::chooseSource() {
 }
 
 void VLAdShowUIController::startShowingBanner() {
-    if (webView) presentViewController(webView, true);
+    if (webView) presentViewController(webView, false);
 }
 
 void VLAdShowUIController::showWebView() {

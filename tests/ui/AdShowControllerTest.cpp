@@ -15,6 +15,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include <QScreen>
 #include <gmock/gmock.h>
 
 namespace velmora::test {
@@ -132,6 +133,22 @@ TEST_F(AdShow, AnAnswerThatComesDuringAShowKeepsItsList) {
     EXPECT_EQ(records(), "100 % 8 s");
 }
 
+TEST_F(AdShow, WhatHasPassedIsKeptInTheListThatIsThereAtTheEnd) {
+    const std::function<void()> kEnds[] = {[this] { leave(); }, [this] { fail(); },
+                                           [this] {
+                                               reachEnd();
+                                               command("close");
+                                           }};
+    for (const auto& end : kEnds) {
+        show(video());
+        play(0.5);
+        tick({0});
+        setStates({"s", "new"});
+        end();
+        EXPECT_EQ(states(), "s=2/0 new=2");
+    }
+}
+
 TEST_F(AdShow, FiguresComeFromTheFirstTickOnAndOnlyUntilTheFirstEnd) {
     show(video());
     play();
@@ -200,6 +217,38 @@ TEST_F(AdShow, TheSourceIsThatOfTheCacheTypeAndAReplayKeepsIt) {
     ad->state().setVideoFilePath(file.string());
     show(ad);
     EXPECT_EQ(player()->source, "file " + file.string());
+}
+
+TEST_F(AdShow, TheFirstPictureComesInPlaceAndAReplaySlides) {
+    for (const auto& creative : {video(), banner()}) {
+        const auto ad = ready("s", creative);
+        ad->showWithOptions(nullptr);
+        // No time passes.
+        settle();
+        controller_ = inFront();
+        ASSERT_NE(shown(), nullptr);
+        const auto first = shown()->presentedViewController();
+        ASSERT_NE(first, nullptr);
+        EXPECT_TRUE(first->view()->isVisible());
+        EXPECT_EQ(first->view()->mapTo(first->view()->window(), QPoint()), QPoint());
+        rest();
+        if (ad->isVideoAd()) fail();
+    }
+    command("close");
+
+    show(video());
+    play();
+    tick({8});
+    reachEnd();
+    EXPECT_FALSE(page()->navigate("velmora://replay"));
+    settle();
+    clock_->advance(std::chrono::milliseconds(250));
+    settle();
+    EXPECT_EQ(player()->layer->mapTo(player()->layer->window(), QPoint()),
+              QPoint(0, window_.screen()->size().height()));
+    rest();
+    EXPECT_EQ(player()->layer->mapTo(player()->layer->window(), QPoint()), QPoint());
+    command("close");
 }
 
 TEST_F(AdShow, WhatMayNotBeShownIsLoggedAndNotShown) {
