@@ -10,6 +10,8 @@ endfunction()
 
 velmora_add_gui_tests(ui
     ui/ActivityIndicatorViewTest.cpp
+    ui/BlurTest.cpp
+    ui/ImageButtonTest.cpp
     ui/LabelTest.cpp
     ui/PlayerViewControllerTest.cpp
     ui/PlayerViewControllerViewsTest.cpp

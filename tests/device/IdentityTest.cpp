@@ -54,14 +54,18 @@ protected:
         return program;
     }
 
-    /// The command on a machine with this id, where a process may have files of its own.
-    [[nodiscard]] std::string onMachine(const std::string& id, const std::string& command) const {
-        const auto file = folder_ / "machine-id";
-        writeContent(file, id);
+    /// The command on a machine with these ids, the system's own and that of its bus, where a process may
+    /// have files of its own.
+    [[nodiscard]] std::string onMachine(const std::string& own, const std::string& ofBus,
+                                        const std::string& command) const {
         std::string script;
-        for (const std::string other : {"/etc/machine-id", "/var/lib/dbus/machine-id"})
-            script +=
-                "if test -e " + other + "; then mount --bind " + file.string() + " " + other + "; fi && ";
+        for (const auto& [path, id] :
+             {std::pair("/etc/machine-id", own), {"/var/lib/dbus/machine-id", ofBus}}) {
+            const auto file = folder_ / std::filesystem::path(path).parent_path().filename();
+            writeContent(file, id);
+            script += std::string("if test -e ") + path + "; then mount --bind " + file.string() + " " +
+                      path + "; fi && ";
+        }
         return "unshare -rm sh -c '" + script + command + "' 2>&1";
     }
 
@@ -93,14 +97,19 @@ TEST_F(DeviceIdentity, AnApplicationKeepsItsOwnAndTheUserThatOfTheAdvertising) {
 TEST_F(DeviceIdentity, ItIsOfTheMachineAndAbsentWhereThatHasNoId) {
     const auto game = application("game", "com.example.game");
     const std::string id = "00112233445566778899aabbccddeeff";
-    const auto here = identityOf(onMachine(id, game));
-    if (here.advertising.empty())
-        GTEST_SKIP() << "a process may not have files of its own here: " << here.device;
+    const auto on = [&](const std::string& own, const std::string& ofBus) {
+        return identityOf(onMachine(own, ofBus, game));
+    };
+    const auto here = on(id, "");
+    if (here.advertising.empty()) GTEST_SKIP() << "a process may not have files of its own here";
     EXPECT_THAT(here.device, EndsWith(kDigest));
     EXPECT_NE(here.device, identityOf(game).device);
-    EXPECT_EQ(identityOf(onMachine(id + "\n", game)), here);
-    EXPECT_NE(identityOf(onMachine("1" + id.substr(1), game)).device, here.device);
-    EXPECT_EQ(identityOf(onMachine("", game)), (Identity{"-", here.advertising}));
+    EXPECT_EQ(on(id + "\n", "another"), here);
+    EXPECT_NE(on("1" + id.substr(1), "").device, here.device);
+    if (fs::exists("/var/lib/dbus/machine-id")) {
+        EXPECT_EQ(on("\n", id), here);
+    }
+    EXPECT_EQ(on("", "\n"), (Identity{"-", here.advertising}));
 }
 
 TEST_F(DeviceIdentity, WhatIsKeptForAdvertisingIsReadAsItStandsAndRepairedWhenItIsNone) {

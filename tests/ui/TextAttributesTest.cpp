@@ -177,15 +177,6 @@ TEST(TextAttributes, ModeAndAlignmentCarryDifferentThingsOver) {
               (ParagraphStyle{TextAlignment::center, rightToLeft, byWordWrapping}));
 }
 
-TEST(TextAttributes, TheEnumerationsHaveTheNumbersThatAreStored) {
-    EXPECT_EQ(static_cast<int>(TextAlignment::left), 0);
-    EXPECT_EQ(static_cast<int>(TextAlignment::center), 1);
-    EXPECT_EQ(static_cast<int>(TextAlignment::right), 2);
-    EXPECT_EQ(static_cast<int>(WritingDirection::rightToLeft), 1);
-    EXPECT_EQ(static_cast<int>(LineBreakMode::byWordWrapping), 0);
-    EXPECT_EQ(static_cast<int>(LineBreakMode::byTruncatingTail), 4);
-}
-
 TEST(Color, ChannelsCountTo255AndAlphaTo1) {
     EXPECT_EQ(colorWithR(255, 255, 255, 1.0), QColor(Qt::white));
     const auto grey = colorWithR(132, 133, 134, 0.5);

@@ -207,14 +207,6 @@ TEST_F(WebViewController, TheExitButtonDismissesAndTellsNobody) {
     EXPECT_THAT(delegate->calls, IsEmpty());
 }
 
-TEST_F(WebViewController, TheFirstItemOfAKeyCounts) {
-    const std::vector<platform::UrlQueryItem> items{{"a", "1"}, {"b", std::nullopt}, {"a", "2"}, {"b", "3"}};
-    EXPECT_EQ(VLWebViewController::valueForKey("a", items), "1");
-    EXPECT_EQ(VLWebViewController::valueForKey("b", items), std::nullopt);
-    EXPECT_EQ(VLWebViewController::valueForKey("c", items), std::nullopt);
-    EXPECT_EQ(VLWebViewController::valueForKey("a", std::nullopt), std::nullopt);
-}
-
 }  // namespace
 
 }  // namespace velmora::test

@@ -1,0 +1,63 @@
+#include "ui/ImageButton.h"
+
+#include "support/TemporaryDirectory.h"
+#include "ui/Picture.h"
+
+#include <filesystem>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace velmora::test {
+
+namespace {
+
+class ImageButtonTest : public testing::Test {
+protected:
+    [[nodiscard]] std::filesystem::path picture(const std::string& name, const QSize& size,
+                                                const QColor& color) const {
+        QImage image(size, QImage::Format_ARGB32);
+        image.fill(color);
+        const auto file = folder_ / name;
+        EXPECT_TRUE(image.save(QString::fromStdString(file.string())));
+        return file;
+    }
+
+    const TemporaryDirectory folder_;
+    ImageButton button_{QRect(10, 20, 40, 40)};
+};
+
+TEST_F(ImageButtonTest, APictureKeepsItsShapeInTheMiddleOfTheButton) {
+    const struct {
+        QSize picture;
+        QRect shown;
+    } cases[] = {
+        {{20, 20}, {0, 0, 40, 40}},
+        {{200, 100}, {0, 10, 40, 20}},
+        {{10, 40}, {15, 0, 10, 40}},
+    };
+    EXPECT_EQ(button_.geometry(), QRect(10, 20, 40, 40));
+    for (const auto& [size, shown] : cases) {
+        button_.setImage(picture("a.png", size, Qt::red));
+        const auto image = drawn(button_);
+        EXPECT_EQ(inkBounds(image), shown);
+        EXPECT_EQ(image.pixelColor(20, 20), QColor(Qt::red));
+    }
+    button_.setImage(picture("b.png", {20, 20}, Qt::green));
+    EXPECT_EQ(drawn(button_).pixelColor(20, 20), QColor(Qt::green));
+    button_.resize(20, 40);
+    EXPECT_EQ(inkBounds(drawn(button_)), QRect(0, 10, 20, 20));
+}
+
+TEST_F(ImageButtonTest, APressedOneIsFainterAndOneWithoutAPictureShowsNothing) {
+    button_.setImage(picture("a.png", {40, 40}, Qt::red));
+    button_.setDown(true);
+    EXPECT_NEAR(drawn(button_).pixelColor(20, 20).alpha(), 128, 2);
+    button_.setImage(folder_ / "missing.png");
+    EXPECT_EQ(button_.imageFile(), folder_ / "missing.png");
+    EXPECT_EQ(ink(drawn(button_)), 0);
+}
+
+}  // namespace
+
+}  // namespace velmora::test
