@@ -41,9 +41,7 @@ public:
 
     LogArgument(const std::string& text) noexcept : held_(std::string_view(text)) {}
 
-    LogArgument(const char* text) noexcept {
-        if (text != nullptr) held_ = std::string_view(text);
-    }
+    LogArgument(const char* text) noexcept : held_(text != nullptr ? Held(std::string_view(text)) : Held()) {}
 
     template <class T>
     LogArgument(const std::optional<T>& value) {
