@@ -122,7 +122,8 @@ public:
     /// |   the same with the dialog option | none | |
     /// | the video cannot be loaded | one | true |
     /// |   it fails after its length was known | one | false, in a replay true |
-    /// | the video ends without its length ever known | one, when its page closes | false |
+    /// | its page closes while the video still plays | one | false |
+    /// | the video ends, its length never known or below a second | one, when its page closes | false |
     /// | a page that asks to be closed more than once | one for each time | as above |
     /// | the ad is a banner | none | |
     /// | its window is closed from outside | none more | |
