@@ -62,6 +62,33 @@ TEST_F(AdHandle, ANewOneHoldsNothingAndIsValidAndWritesTheTimeEvenWithLoggingOff
     EXPECT_EQ(log_.lines(), std::vector<std::string>(2, "now epoch time  millis 1700000000000"));
 }
 
+TEST_F(AdHandle, EachQuestionIsAnsweredByWhatItAsksFor) {
+    const auto ad = read<VelmoraAd>(R"({"zoneId": "z", "cacheTime": 5, "videoFilePath": "/v", "isShown": true,
+                                        "requestOptions": {"mCacheType": 1}})");
+    EXPECT_EQ(ad->getZoneId(), "z");
+    EXPECT_EQ(ad->getCacheTime(), 5);
+    EXPECT_EQ(ad->getVideoFilePath(), "/v");
+    EXPECT_TRUE(ad->isAdShown());
+    EXPECT_EQ(ad->getRequestOptions()->getCacheTypeNumber(), VLCacheType::cached);
+
+    const struct {
+        const char* type;
+        bool isVideo;
+        bool isRewarded;
+        bool isBanner;
+    } kinds[] = {{"1", true, true, false},
+                 {"2", false, false, true},
+                 {"3", true, false, false},
+                 {"4", false, false, false}};
+    for (const auto& one : kinds) {
+        const auto kind =
+            read<VelmoraAd>(R"({"mAd": {"creative": {"ctaType": )" + std::string(one.type) + "}}}");
+        EXPECT_EQ(kind->isVideoAd(), one.isVideo) << one.type;
+        EXPECT_EQ(kind->isRewardedAd(), one.isRewarded) << one.type;
+        EXPECT_EQ(kind->isBannerAd(), one.isBanner) << one.type;
+    }
+}
+
 TEST_F(AdHandle, ItTakesOnlyASuggestionForItsAd) {
     const VelmoraAd ad;
     const auto suggestion = std::make_shared<VLAdSuggestion>();
@@ -170,9 +197,19 @@ TEST_F(AdHandle, ShowOptionsHaveDefaultsAndForgetUnknownOrientations) {
     EXPECT_EQ(options.getOrientation(), 3);
     EXPECT_FALSE(options.getBackDisabled() || options.getShowDialoged());
 
-    const std::pair<std::int64_t, std::int64_t> cases[] = {{1, 1}, {5, 5}, {0, 3}, {2, 2}, {6, 3}, {-1, 3}};
+    const std::pair<std::int64_t, VLOrientation> cases[] = {{1, VLOrientation::portrait},
+                                                            {2, VLOrientation::landscapeLeft},
+                                                            {4, VLOrientation::landscapeRight},
+                                                            {5, VLOrientation::portraitUpsideDown},
+                                                            {3, VLOrientation::any},
+                                                            {0, VLOrientation::any},
+                                                            {6, VLOrientation::any},
+                                                            {-1, VLOrientation::any}};
     for (const auto& [set, got] : cases) {
+        options.setOrientation(VLOrientation::portrait);
         options.setOrientation(set);
+        EXPECT_EQ(options.getOrientation(), got) << set;
+        options.setOrientation(got);
         EXPECT_EQ(options.getOrientation(), got) << set;
     }
     options.setBackDisabled(TYPE_DISABLE_BACK);

@@ -106,7 +106,11 @@ TEST_F(VastUrl, OnlyTypesAndVersionsThatThereAreStandInIt) {
         EXPECT_EQ(found.contains("vastVersion"), number == 2 || number == 3) << number;
         EXPECT_FALSE(found.contains("t-user-id")) << number;
     }
-    EXPECT_THAT(pairs(1, 3), IsSupersetOf({Pair("prerollType", "1"), Pair("vastVersion", "3")}));
+    const char* const zone = "zone";
+    for (const auto& url :
+         {VelmoraVAST::getVastUrlForZone(zone, VLPrerollType::notSkippable, VLVastVersion::v3),
+          VelmoraVAST::getVastUrlForZone(std::string(zone), VLPrerollType::notSkippable, VLVastVersion::v3)})
+        EXPECT_THAT(pairsOf(url.value()), IsSupersetOf({Pair("prerollType", "1"), Pair("vastVersion", "3")}));
 }
 
 TEST_F(VastUrl, TextsOfAnyKindArriveAsTheyAre) {
