@@ -16,8 +16,7 @@ using namespace velmora;
 namespace {
 
 std::shared_ptr<VLSuggestionListDirectResponseModel> read(const std::string& text) {
-    platform::Arena arena;
-    const auto value = platform::parseJson(text, &arena);
+    auto value = platform::parseJson(text);
     return recordFrom<VLSuggestionListDirectResponseModel>(value ? value->if_object() : nullptr);
 }
 

@@ -51,8 +51,9 @@ public:
         return value;
     }
 
-    void set(const boost::json::value& value) {
-        const auto text = boost::json::serialize(value);
+    void set(const boost::json::value& value) { set(boost::json::serialize(value)); }
+
+    void set(const std::string& text) {
         sqlite3_bind_text(set_, 1, "key", 3, SQLITE_STATIC);
         sqlite3_bind_text(set_, 2, text.data(), static_cast<int>(text.size()), SQLITE_STATIC);
         sqlite3_step(set_);
@@ -75,8 +76,8 @@ int main() {
     std::shared_ptr<VLSuggestionListDirectResponseModel> record;
     std::string text;
     for (int count = 1; text.size() < 10 * 1024; ++count) {
-        record = recordFrom<VLSuggestionListDirectResponseModel>(
-            boost::json::parse(bench::answer(count)).if_object());
+        auto value = boost::json::parse(bench::answer(count));
+        record = recordFrom<VLSuggestionListDirectResponseModel>(value.if_object());
         text = recordToJson(*record).value();
     }
     const auto value = boost::json::parse(text);
@@ -87,8 +88,7 @@ int main() {
         BareStore bare(std::filesystem::path(folder) / "bare.sqlite3");
         const auto setOurs = [&] { defaults.setJson(recordToJson(*record), "key"); };
         const auto getOurs = [&] {
-            platform::Arena arena;
-            const auto stored = defaults.objectForKey("key", &arena);
+            auto stored = defaults.objectForKey("key");
             benchmark::DoNotOptimize(
                 recordFrom<VLSuggestionListDirectResponseModel>(stored ? stored->if_object() : nullptr));
         };
@@ -96,6 +96,13 @@ int main() {
         bench::Comparison comparison("A record of " + std::to_string(text.size()) + " bytes");
         comparison.measure("set", 1.3, setOurs, [&] { bare.set(value); });
         comparison.measure("get", 1.3, getOurs, [&] { benchmark::DoNotOptimize(bare.get()); });
+
+        const auto many = bench::answer(1000);
+        defaults.setJson(many, "list");
+        comparison.measure(
+            "add to a list of 1000, over writing them", 2.5,
+            [&] { defaults.appendToList("suggestions", R"({"suggestions":[{"title":"t"}]})", "list"); },
+            [&] { bare.set(many); });
         result = comparison.result();
     }
     std::filesystem::remove_all(folder);

@@ -103,10 +103,8 @@ int comparePlayback(const std::string& video) {
 }
 
 std::shared_ptr<VelmoraAd> makeAd(const std::string& video) {
-    platform::Arena arena;
     const auto creative = R"({"ctaType": 3, "action": {"type": 1}, "ctaUrl": "file://)" + video + "\"}";
-    const auto suggestion =
-        platform::parseJson(R"({"suggestionId": "s", "creative": )" + creative + "}", &arena);
+    auto suggestion = platform::parseJson(R"({"suggestionId": "s", "creative": )" + creative + "}");
     auto ad = std::make_shared<VelmoraAd>();
     ad->state().setAd(recordFrom<VLAdSuggestion>(suggestion.value().if_object()));
     auto options = std::make_shared<VLAdRequestOptions>();

@@ -13,7 +13,7 @@ const Schema& VLAdRequestOptionsState::schema() const {
 }
 
 template <>
-std::shared_ptr<VLAdRequestOptions> recordFrom<VLAdRequestOptions>(const Dictionary* dictionary) {
+std::shared_ptr<VLAdRequestOptions> recordFrom<VLAdRequestOptions>(Dictionary* dictionary) {
     auto options = std::make_shared<VLAdRequestOptions>();
     options->state().setValuesForKeysWithDictionary(dictionary);
     return options;

@@ -24,6 +24,6 @@ private:
 }
 
 template <>
-std::shared_ptr<VLAdRequestOptions> recordFrom<VLAdRequestOptions>(const Dictionary* dictionary);
+std::shared_ptr<VLAdRequestOptions> recordFrom<VLAdRequestOptions>(Dictionary* dictionary);
 
 }  // namespace velmora

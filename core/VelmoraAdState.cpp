@@ -24,7 +24,7 @@ void VelmoraAdState::setAd(const std::shared_ptr<VLSerializedModel>& ad) {
 }
 
 template <>
-std::shared_ptr<VelmoraAd> recordFrom<VelmoraAd>(const Dictionary* dictionary) {
+std::shared_ptr<VelmoraAd> recordFrom<VelmoraAd>(Dictionary* dictionary) {
     auto ad = std::make_shared<VelmoraAd>();
     ad->state().setValuesForKeysWithDictionary(dictionary);
     return ad;

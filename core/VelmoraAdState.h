@@ -46,6 +46,6 @@ private:
 [[nodiscard]] inline const VLSerializedModel& asRecord(const VelmoraAd& ad) { return ad.state(); }
 
 template <>
-std::shared_ptr<VelmoraAd> recordFrom<VelmoraAd>(const Dictionary* dictionary);
+std::shared_ptr<VelmoraAd> recordFrom<VelmoraAd>(Dictionary* dictionary);
 
 }  // namespace velmora

@@ -31,13 +31,13 @@ void Schema::write(const VLSerializedModel& model, RecordOutput& output) const {
     }
 }
 
-void Schema::read(VLSerializedModel& model, const Dictionary& input) const {
+void Schema::read(VLSerializedModel& model, Dictionary& input) const {
     for (const auto& field : fields_) {
         if (field.kind != Field::Kind::plain)
             field.read(model, input.if_contains(schema_detail::json(field.key)));
     }
     std::size_t expected = 0;
-    for (const auto& entry : input) {
+    for (auto& entry : input) {
         const std::string_view key(entry.key().data(), entry.key().size());
         const auto* field = find(key, expected);
         if (field == nullptr) {

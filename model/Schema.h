@@ -24,20 +24,23 @@ struct Field {
 
     std::string_view key;
     std::string_view name;
-    Kind kind;
-    bool (*isPresent)(const VLSerializedModel& model);
+    Kind kind = Kind::plain;
+    bool (*isPresent)(const VLSerializedModel& model) = nullptr;
     /// Adds the entry, where there is one to add.
-    void (*write)(const VLSerializedModel& model, std::string_view key, RecordOutput& output);
-    /// Takes the entry of `key`; null when the dictionary has none.
-    void (*read)(VLSerializedModel& model, const Value* input);
-    /// Takes an entry that has the property's own name; null for a structured property.
-    void (*assign)(VLSerializedModel& model, const Value& input);
+    void (*write)(const VLSerializedModel& model, std::string_view key, RecordOutput& output) = nullptr;
+    /// Takes the entry of `key`, and its value out of it; null when the dictionary has none. A plain property
+    /// has no such function.
+    void (*read)(VLSerializedModel& model, Value* input) = nullptr;
+    /// Takes an entry that has the property's own name, and its value out of it. A structured property has no
+    /// such function.
+    void (*assign)(VLSerializedModel& model, Value& input) = nullptr;
 };
 
 /// A record's table.
 ///
 /// Writing takes the mapped and structured properties first and then, of the keys asked for, the plain ones.
-/// Reading does the same, with the entries of the dictionary in place of the keys.
+/// Reading does the same, with the entries of the dictionary in place of the keys; it moves the values that
+/// lie on the heap, and copies those of an arena.
 class Schema {
 public:
     /// Which properties a record names when it is asked for its keys.
@@ -52,7 +55,7 @@ public:
     void write(const VLSerializedModel& model, const Keys& keys, RecordOutput& output) const;
     /// The same for the record's own keys.
     void write(const VLSerializedModel& model, RecordOutput& output) const;
-    void read(VLSerializedModel& model, const Dictionary& input) const;
+    void read(VLSerializedModel& model, Dictionary& input) const;
 
 private:
     [[nodiscard]] bool lists(const Field& field, const VLSerializedModel& model) const;
@@ -117,26 +120,28 @@ bool isPresent(const VLSerializedModel& model) {
     return static_cast<bool>(get(in<member>(model)));
 }
 
-/// Keeps a copy on the heap: the input may lie in an arena that goes before the record does.
-inline void keep(Property& property, const Value& input) { property.emplace(input, Storage()); }
+/// Keeps the value, on the heap: the arena that it may lie in goes before the record does.
+inline void keep(Property& property, Value& input) { property.emplace(std::move(input), Storage()); }
 
-inline void keep(AtomicProperty<Property>& property, const Value& input) {
-    property.set(Property(std::in_place, input, Storage()));
+inline void keep(AtomicProperty<Property>& property, Value& input) {
+    property.set(Property(std::in_place, std::move(input), Storage()));
 }
 
 template <auto member>
-void assignValue(VLSerializedModel& model, const Value& input) {
-    input.is_null() ? set(in<member>(model), std::nullopt) : keep(in<member>(model), input);
+void assignValue(VLSerializedModel& model, Value& input) {
+    if (input.is_null()) return set(in<member>(model), std::nullopt);
+    keep(in<member>(model), input);
 }
 
 template <auto member>
-void readValue(VLSerializedModel& model, const Value* input) {
+void readValue(VLSerializedModel& model, Value* input) {
+    if (input == nullptr) return set(in<member>(model), std::nullopt);
     // The null marker is kept as it is here.
-    input != nullptr ? keep(in<member>(model), *input) : set(in<member>(model), std::nullopt);
+    keep(in<member>(model), *input);
 }
 
 template <auto member>
-void readInteger(VLSerializedModel& model, const Value* input) {
+void readInteger(VLSerializedModel& model, Value* input) {
     set(in<member>(model), Value(input != nullptr ? platform::asInteger(*input) : 0));
 }
 
@@ -148,7 +153,8 @@ void writeIfPresent(const VLSerializedModel& model, std::string_view key, Record
 template <auto member>
 void writeOrNull(const VLSerializedModel& model, std::string_view key, RecordOutput& output) {
     const Property& property = get(in<member>(model));
-    property ? output.value(key, *property) : output.value(key, nullptr);
+    if (!property) return output.value(key, nullptr);
+    output.value(key, *property);
 }
 
 template <auto member>
@@ -163,7 +169,7 @@ void writeRecordOrEmpty(const VLSerializedModel& model, std::string_view key, Re
 }
 
 template <auto member>
-void readRecord(VLSerializedModel& model, const Value* input) {
+void readRecord(VLSerializedModel& model, Value* input) {
     if (!VLSerializedModel::isValidValue(input)) return;
     using Pointer = std::decay_t<decltype(get(in<member>(model)))>;
     set(in<member>(model), recordFrom<typename Pointer::element_type>(input->if_object()));
@@ -184,28 +190,30 @@ void writeList(const VLSerializedModel& model, std::string_view key, RecordOutpu
 
 template <auto member>
 void writeListOrNull(const VLSerializedModel& model, std::string_view key, RecordOutput& output) {
-    isPresent<member>(model) ? writeList<member>(model, key, output) : output.value(key, nullptr);
+    if (!isPresent<member>(model)) return output.value(key, nullptr);
+    writeList<member>(model, key, output);
 }
 
 template <auto member>
-void readList(VLSerializedModel& model, const Value* input) {
+void readList(VLSerializedModel& model, Value* input) {
     using Model = typename ElementOf<decltype(typeOf(member))>::Type;
     auto list = makeList<Model>();
-    if (const auto* array = input != nullptr ? input->if_array() : nullptr) {
+    if (auto* const array = input != nullptr ? input->if_array() : nullptr) {
         list->reserve(array->size());
-        for (const auto& element : *array) list->push_back(recordFrom<Model>(element.if_object()));
+        for (auto& element : *array) list->push_back(recordFrom<Model>(element.if_object()));
     }
     set(in<member>(model), std::move(list));
 }
 
 template <auto member>
-void readEmptyList(VLSerializedModel& model, const Value*) {
+void readEmptyList(VLSerializedModel& model, Value*) {
     set(in<member>(model), makeList<typename ElementOf<decltype(typeOf(member))>::Type>());
 }
 
 template <auto member>
-void assignList(VLSerializedModel& model, const Value& input) {
-    input.is_null() ? set(in<member>(model), nullptr) : readList<member>(model, &input);
+void assignList(VLSerializedModel& model, Value& input) {
+    if (input.is_null()) return set(in<member>(model), nullptr);
+    readList<member>(model, &input);
 }
 
 }  // namespace schema_detail
@@ -214,71 +222,72 @@ void assignList(VLSerializedModel& model, const Value& input) {
 template <auto member>
 constexpr Field plain(std::string_view name) {
     using namespace schema_detail;
-    return {
-        name, name, Field::Kind::plain, isPresent<member>, writeOrNull<member>, nullptr, assignValue<member>};
+    return {.key = name,
+            .name = name,
+            .isPresent = isPresent<member>,
+            .write = writeOrNull<member>,
+            .assign = assignValue<member>};
 }
 
 /// A value under a key of another name; a null marker there is kept.
 template <auto member>
 constexpr Field mapped(std::string_view key, std::string_view name) {
     using namespace schema_detail;
-    return {key,
-            name,
-            Field::Kind::mapped,
-            isPresent<member>,
-            writeIfPresent<member>,
-            readValue<member>,
-            assignValue<member>};
+    return {.key = key,
+            .name = name,
+            .kind = Field::Kind::mapped,
+            .isPresent = isPresent<member>,
+            .write = writeIfPresent<member>,
+            .read = readValue<member>,
+            .assign = assignValue<member>};
 }
 
 /// A whole number under a key of another name; a missing entry reads as 0.
 template <auto member>
 constexpr Field mappedInteger(std::string_view key, std::string_view name) {
-    using namespace schema_detail;
-    return {key,
-            name,
-            Field::Kind::mapped,
-            isPresent<member>,
-            writeIfPresent<member>,
-            readInteger<member>,
-            assignValue<member>};
+    auto field = mapped<member>(key, name);
+    field.read = schema_detail::readInteger<member>;
+    return field;
 }
 
 /// A record in a record: no entry when it is absent, and left as it was by an entry that is missing or null.
 template <auto member>
 constexpr Field nested(std::string_view key) {
     using namespace schema_detail;
-    return {key,    key, Field::Kind::structured, isPresent<member>, writeRecord<member>, readRecord<member>,
-            nullptr};
+    return {.key = key,
+            .name = key,
+            .kind = Field::Kind::structured,
+            .isPresent = isPresent<member>,
+            .write = writeRecord<member>,
+            .read = readRecord<member>};
 }
 
 /// The same, but written as an empty dictionary when it is absent.
 template <auto member>
 constexpr Field nestedOrEmpty(std::string_view key) {
-    using namespace schema_detail;
-    return {key,
-            key,
-            Field::Kind::structured,
-            isPresent<member>,
-            writeRecordOrEmpty<member>,
-            readRecord<member>,
-            nullptr};
+    auto field = nested<member>(key);
+    field.write = schema_detail::writeRecordOrEmpty<member>;
+    return field;
 }
 
 /// A list of records: an empty array when it is absent, an empty list when there is no array.
 template <auto member>
 constexpr Field list(std::string_view key) {
     using namespace schema_detail;
-    return {key,    key, Field::Kind::structured, isPresent<member>, writeList<member>, readList<member>,
-            nullptr};
+    return {.key = key,
+            .name = key,
+            .kind = Field::Kind::structured,
+            .isPresent = isPresent<member>,
+            .write = writeList<member>,
+            .read = readList<member>};
 }
 
 /// A list of records that is written as any other, and empty after reading whatever the entry holds.
 template <auto member>
 constexpr Field listThatReadsEmpty(std::string_view key) {
-    using namespace schema_detail;
-    return {key,    key, Field::Kind::structured, isPresent<member>, writeList<member>, readEmptyList<member>,
-            nullptr};
+    auto field = list<member>(key);
+    field.read = schema_detail::readEmptyList<member>;
+    return field;
 }
 
 /// A list of records that follows the rules of a plain value: no entry of its own when it is absent, the null
@@ -286,13 +295,11 @@ constexpr Field listThatReadsEmpty(std::string_view key) {
 template <auto member>
 constexpr Field plainList(std::string_view name) {
     using namespace schema_detail;
-    return {name,
-            name,
-            Field::Kind::plain,
-            isPresent<member>,
-            writeListOrNull<member>,
-            nullptr,
-            assignList<member>};
+    return {.key = name,
+            .name = name,
+            .isPresent = isPresent<member>,
+            .write = writeListOrNull<member>,
+            .assign = assignList<member>};
 }
 
 }  // namespace velmora

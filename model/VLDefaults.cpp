@@ -13,7 +13,6 @@
 #include <velmora/VelmoraAd.h>
 
 #include <algorithm>
-#include <array>
 
 namespace velmora {
 
@@ -44,11 +43,8 @@ struct Stored {
 
 template <class Model>
 Stored<Model> readRecord(std::string_view key) {
-    // Most records fit, and are then read without one allocation of the parser's.
-    std::array<unsigned char, 8192> room;
-    platform::Arena arena(room.data(), room.size());
-    const auto stored = defaults().lookUp(key, &arena);
-    const auto* dictionary = stored.value ? stored.value->if_object() : nullptr;
+    auto stored = defaults().lookUp(key);
+    auto* const dictionary = stored.value ? stored.value->if_object() : nullptr;
     return {recordFrom<Model>(dictionary), dictionary != nullptr || stored.isMissing};
 }
 

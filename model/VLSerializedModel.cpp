@@ -13,8 +13,9 @@ Dictionary VLSerializedModel::dictionaryWithValuesForKeys(const Keys& keys, cons
     return recordToDictionary(*this, keys, storage);
 }
 
-void VLSerializedModel::setValuesForKeysWithDictionary(const Dictionary* dictionary) {
-    dictionary != nullptr ? schema().read(*this, *dictionary) : schema().read(*this, Dictionary());
+void VLSerializedModel::setValuesForKeysWithDictionary(Dictionary* dictionary) {
+    Dictionary none;
+    schema().read(*this, dictionary != nullptr ? *dictionary : none);
 }
 
 }  // namespace velmora

@@ -43,9 +43,9 @@ public:
     /// `storage`.
     [[nodiscard]] Dictionary dictionaryWithValuesForKeys(const Keys& keys, const Storage& storage = {}) const;
 
-    /// Sets each property that an entry names; a null marker makes it absent. A null pointer is an empty
-    /// dictionary.
-    void setValuesForKeysWithDictionary(const Dictionary* dictionary);
+    /// Sets each property that an entry names; a null marker makes it absent. The values go out of the
+    /// dictionary, unless it lies in an arena. A null pointer is an empty dictionary.
+    void setValuesForKeysWithDictionary(Dictionary* dictionary);
 
     /// The table of this record's class.
     [[nodiscard]] virtual const Schema& schema() const = 0;
@@ -74,9 +74,9 @@ template <class Model>
     return model.dictionaryWithValuesForKeys(model.keys(), storage);
 }
 
-/// A fresh record filled from a dictionary.
+/// A fresh record filled from a dictionary, as `setValuesForKeysWithDictionary` does it.
 template <class Model>
-[[nodiscard]] std::shared_ptr<Model> recordFrom(const Dictionary* dictionary) {
+[[nodiscard]] std::shared_ptr<Model> recordFrom(Dictionary* dictionary) {
     auto model = std::make_shared<Model>();
     model->setValuesForKeysWithDictionary(dictionary);
     return model;

@@ -56,8 +56,7 @@ std::string urlOf(const VLCall& call) {
 
 VLResult resultOf(const std::string& data, const VLReceive& receive) {
     if (receive) {
-        platform::Arena arena;
-        const auto value = platform::parseJson(data, &arena);
+        auto value = platform::parseJson(data);
         return receive(value ? value->if_object() : nullptr);
     }
     return platform::isUtf8(data) ? std::optional(data) : std::nullopt;

@@ -16,11 +16,11 @@ using VLResult = std::any;
 
 /// Makes a result of the class that a caller wants out of the answer's dictionary; null when the answer is
 /// not one. An empty one stands for text.
-using VLReceive = std::function<VLResult(const Dictionary* dictionary)>;
+using VLReceive = std::function<VLResult(Dictionary* dictionary)>;
 
 template <class Model>
 [[nodiscard]] VLReceive receive() {
-    return [](const Dictionary* dictionary) -> VLResult {
+    return [](Dictionary* dictionary) -> VLResult {
         auto model = std::make_shared<Model>();
         model->setValuesForKeysWithDictionary(dictionary);
         return model;

@@ -32,8 +32,8 @@ public:
     UserDefaults(const UserDefaults&) = delete;
     UserDefaults& operator=(const UserDefaults&) = delete;
 
-    /// The value; absent when the key is missing or holds what is not a value. It lives in `storage`.
-    [[nodiscard]] std::optional<Value> objectForKey(std::string_view key, Storage storage = {});
+    /// The value; absent when the key is missing or holds what is not a value.
+    [[nodiscard]] std::optional<Value> objectForKey(std::string_view key);
 
     /// The same, and whether the key is missing: what cannot be read, or is no value, is neither present nor
     /// missing, and must not be written over by what is made of it.
@@ -41,7 +41,7 @@ public:
         std::optional<Value> value;
         bool isMissing = false;
     };
-    [[nodiscard]] Stored lookUp(std::string_view key, Storage storage = {});
+    [[nodiscard]] Stored lookUp(std::string_view key);
 
     /// The text; absent for every other kind.
     [[nodiscard]] std::optional<std::string> stringForKey(std::string_view key);

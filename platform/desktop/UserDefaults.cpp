@@ -26,16 +26,14 @@ UserDefaults::UserDefaults(std::filesystem::path file)
 
 UserDefaults::~UserDefaults() = default;
 
-std::optional<Value> UserDefaults::objectForKey(std::string_view key, Storage storage) {
-    return lookUp(key, std::move(storage)).value;
-}
+std::optional<Value> UserDefaults::objectForKey(std::string_view key) { return lookUp(key).value; }
 
-UserDefaults::Stored UserDefaults::lookUp(std::string_view key, Storage storage) {
+UserDefaults::Stored UserDefaults::lookUp(std::string_view key) {
     Stored stored;
     bool found = false;
     const bool wasRead = database_->get(key, [&](std::string_view text) {
         found = true;
-        stored.value = parseJson(text, std::move(storage));
+        stored.value = parseJson(text);
     });
     stored.isMissing = wasRead && !found;
     if (found && !stored.value)

@@ -113,7 +113,7 @@ TEST(Records, ARequestForARewardHasDoneSuggestionsOnlyWhenAListIsGiven) {
               valueOf(R"({"doneSuggestions": []})"));
 
     const auto filled = read<VLRewardRequestJsonParams>(R"({"doneSuggestions": [{"suggestionId": "s"}]})");
-    const auto none = valueOf(R"({"doneSuggestions": null})");
+    auto none = valueOf(R"({"doneSuggestions": null})");
     filled->setValuesForKeysWithDictionary(&none.as_object());
     EXPECT_EQ(written(*filled), Value(Dictionary()));
 }

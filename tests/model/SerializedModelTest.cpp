@@ -162,7 +162,7 @@ TEST(SerializedModel, APlainPropertyKeepsAnyKindAndANullMarkerMakesItAbsent) {
     });
 
     const auto record = read<VLDoneAdSuggestion>(R"({"suggestionId": "a", "doneSeconds": 1})");
-    const auto next = valueOf(R"({"suggestionId": null})");
+    auto next = valueOf(R"({"suggestionId": null})");
     record->setValuesForKeysWithDictionary(&next.as_object());
     EXPECT_EQ(written(*record), valueOf(R"({"doneSeconds": 1})"));
 }
@@ -177,7 +177,7 @@ TEST(SerializedModel, ANestedRecordIsMadeFromAnyEntryButAMissingOneOrANullMarker
     };
     for (const auto& [input, output] : cases) {
         const auto creative = read<VLDirectCreativeModel>(R"({"action": {"type": 5}})");
-        const auto values = valueOf(input);
+        auto values = valueOf(input);
         creative->setValuesForKeysWithDictionary(&values.as_object());
         EXPECT_EQ(written(*creative->action), valueOf(output)) << input;
     }
@@ -258,7 +258,7 @@ TEST(SerializedModel, VibrationPatternsAndProgressTrackersAreWrittenButNeverRead
     creative.vastTrackingData = std::make_shared<VLVastTrackingData>();
     creative.vastTrackingData->progressTrackingUrls.set(
         makeList<VLProgressTrackerModel>({read<VLProgressTrackerModel>(R"({"first": "5%"})")}));
-    const auto output = written(creative);
+    auto output = written(creative);
     EXPECT_EQ(output.at("vibrationPatterns"), valueOf(R"([{"vibrationStartMomentInSeconds": 1.5}])"));
     EXPECT_EQ(output.at("vastTrackingData").at("progressTrackingUrls"), valueOf(R"([{"first": "5%"}])"));
 

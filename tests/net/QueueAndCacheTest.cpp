@@ -44,8 +44,8 @@ std::vector<std::string> finalStateIds() { return VLDefaults::getFinalStates()->
 
 void storeState(const char* id) {
     auto states = std::make_shared<VLFinalStatesModel>();
-    states->setStates(makeList<VLAdSuggestionFinalState>(
-        {std::make_shared<VLAdSuggestionFinalState>(Property(Value(id)), 2, std::nullopt)}));
+    states->setStates(makeList<VLAdSuggestionFinalState>({std::make_shared<VLAdSuggestionFinalState>(
+        Property(Value(id)), 2, std::nullopt)}));
     VLDefaults::setFinalStates(states);
 }
 
@@ -216,7 +216,7 @@ TEST(Suggestions, EachIsReportedOnceAndUnsuitableOnesAreDropped) {
         for (const auto* reported : reports) EXPECT_EQ(reported->get(), after);
     }
 
-    const auto value = platform::parseJson(R"({"suggestions": [
+    auto value = platform::parseJson(R"({"suggestions": [
         {"suggestionId": "no creative"},
         {"suggestionId": "a", "creative": {"ctaType": 2, "ctaUrl": "u"}},
         {"suggestionId": "page", "creative": {"ctaType": 1, "ctaUrl": "u", "action": {"type": 2}}},
@@ -232,7 +232,7 @@ TEST(Suggestions, EachIsReportedOnceAndUnsuitableOnesAreDropped) {
 }
 
 TEST(Suggestions, AShuffleKeepsEachOnceAndBringsEachToEachPlace) {
-    const auto value = platform::parseJson(
+    auto value = platform::parseJson(
         R"({"suggestions": [{"suggestionId": "a"}, {"suggestionId": "b"}, {"suggestionId": "c"}]})");
     const auto list = recordFrom<VLSuggestionListDirectResponseModel>(value->if_object());
     std::set<std::string> orders;

@@ -19,7 +19,7 @@ inline Value valueOf(std::string_view json) { return platform::parseJson(json).v
 template <class Record>
 std::shared_ptr<Record> read(std::string_view json) {
     platform::Arena arena;
-    const auto input = platform::parseJson(json, &arena).value();
+    auto input = platform::parseJson(json, &arena).value();
     return recordFrom<Record>(input.if_object());
 }
 
