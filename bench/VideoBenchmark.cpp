@@ -112,7 +112,7 @@ std::shared_ptr<VelmoraAd> makeAd(const std::string& video) {
     ad->state().setAdRequestOptions(options);
     auto states = std::make_shared<VLFinalStatesModel>();
     states->setStates(makeList<VLAdSuggestionFinalState>(
-        {std::make_shared<VLAdSuggestionFinalState>(Value("s"), 2, Value(Dictionary()))}));
+        {std::make_shared<VLAdSuggestionFinalState>(Value("s"), VLFinalState::initial, Value(Dictionary()))}));
     VLDefaults::setFinalStates(states);
     VLDefaults::cacheNewAd(ad);
     return ad;

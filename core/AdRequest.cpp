@@ -25,8 +25,6 @@ namespace velmora {
 
 namespace {
 
-constexpr std::int64_t kInitialState = 2;
-
 /// What follows the last slash; the whole of a URL without one.
 std::optional<std::string> lastPieceOf(const std::optional<std::string>& url) {
     if (!url) return std::nullopt;
@@ -35,7 +33,7 @@ std::optional<std::string> lastPieceOf(const std::optional<std::string>& url) {
 
 /// The states of this answer, which take the place of those that were sent with the request.
 std::shared_ptr<VLFinalStatesModel> finalStatesOf(const VLSuggestionListDirectResponseModel& answer) {
-    auto states = answer.extractFinalStateWithInitialState(kInitialState);
+    auto states = answer.extractFinalStateWithInitialState(VLFinalState::initial);
     states->updateFilteredSuggestionIds(answer.getUnnecessarySuggestionIds());
     return states;
 }

@@ -12,10 +12,6 @@ namespace velmora {
 
 namespace {
 
-/// The states that are reported, as the service numbers them.
-constexpr std::int64_t kFilled = 5;
-constexpr std::int64_t kDoing = 2;
-
 VLCreativeType typeOf(const VLAdSuggestion& suggestion) {
     return suggestion.creative ? suggestion.creative->getCreativeTypeEnum() : VLCreativeType::unknown;
 }
@@ -33,7 +29,7 @@ void VLAdSuggestion::reportAdIsFilled() {
 }
 
 void VLAdSuggestion::setAdIsFilled() const {
-    if (const auto id = getSuggestionId()) VLRequestBuilder::queueSuggestion(*id, kFilled);
+    if (const auto id = getSuggestionId()) VLRequestBuilder::queueSuggestion(*id, VLReportedState::filled);
 }
 
 void VLAdSuggestion::reportAdIsDoing() {
@@ -43,7 +39,7 @@ void VLAdSuggestion::reportAdIsDoing() {
 }
 
 void VLAdSuggestion::setAdIsDoing() const {
-    if (const auto id = getSuggestionId()) VLRequestBuilder::queueSuggestion(*id, kDoing);
+    if (const auto id = getSuggestionId()) VLRequestBuilder::queueSuggestion(*id, VLReportedState::doing);
 }
 
 void VLAdSuggestion::reportAdIsDoneWithFinalStates(const std::shared_ptr<VLFinalStatesModel>& finalStates) {
@@ -61,7 +57,7 @@ void VLAdSuggestion::setAdIsDoneWithFinalStates(
 }
 
 std::shared_ptr<VLAdSuggestionFinalState>
-VLAdSuggestion::extractFinalStateWithInitialState(std::int64_t state) const {
+VLAdSuggestion::extractFinalStateWithInitialState(VLFinalState state) const {
     return std::make_shared<VLAdSuggestionFinalState>(suggestionId, state, Value(Dictionary()));
 }
 

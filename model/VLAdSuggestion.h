@@ -14,6 +14,14 @@ class VLAdSuggestionFinalState;
 class VLDirectCreativeModel;
 class VLFinalStatesModel;
 
+enum class VLFinalState : std::int64_t;
+
+/// What the service is told of a suggestion as it happens. Not the numbers of a `VLFinalState`.
+enum class VLReportedState : std::int64_t {
+    doing = 2,
+    filled = 5,
+};
+
 /// One ad that the service offers.
 class VLAdSuggestion final : public VLSerializedModel {
 public:
@@ -38,7 +46,7 @@ public:
 
     /// A new final state of this suggestion, with empty extra information.
     [[nodiscard]] std::shared_ptr<VLAdSuggestionFinalState>
-    extractFinalStateWithInitialState(std::int64_t state) const;
+    extractFinalStateWithInitialState(VLFinalState state) const;
 
     Property callToActionId;
     Property suggestionId;

@@ -4,11 +4,15 @@
 
 namespace velmora {
 
-VLAdSuggestionFinalState::VLAdSuggestionFinalState(Property suggestionId, std::int64_t andState,
+VLAdSuggestionFinalState::VLAdSuggestionFinalState(Property suggestionId, VLFinalState andState,
                                                    Property andExtraInfo)
-    : suggestionId_(std::move(suggestionId)), state_(andState), extraInfo_(std::move(andExtraInfo)) {}
+    : suggestionId_(std::move(suggestionId)),
+      state_(static_cast<std::int64_t>(andState)),
+      extraInfo_(std::move(andExtraInfo)) {}
 
-void VLAdSuggestionFinalState::changeStateTo(std::int64_t state) { state_ = state; }
+void VLAdSuggestionFinalState::changeStateTo(VLFinalState state) {
+    state_ = static_cast<std::int64_t>(state);
+}
 
 void VLAdSuggestionFinalState::setExtraInfo(Property extraInfo) { extraInfo_ = std::move(extraInfo); }
 

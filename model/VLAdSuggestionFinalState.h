@@ -8,18 +8,20 @@
 
 namespace velmora {
 
+/// The final states that this library sets.
+enum class VLFinalState : std::int64_t {
+    filtered = 1,
+    initial = 2,
+    doing = 3,
+};
+
 /// What became of one suggestion so far, as the service is told with the next request.
 class VLAdSuggestionFinalState final : public VLSerializedModel {
 public:
-    /// The states that this library sets.
-    static constexpr std::int64_t kFiltered = 1;
-    static constexpr std::int64_t kInitial = 2;
-    static constexpr std::int64_t kDoing = 3;
-
     VLAdSuggestionFinalState() = default;
-    VLAdSuggestionFinalState(Property suggestionId, std::int64_t andState, Property andExtraInfo);
+    VLAdSuggestionFinalState(Property suggestionId, VLFinalState andState, Property andExtraInfo);
 
-    void changeStateTo(std::int64_t state);
+    void changeStateTo(VLFinalState state);
 
     [[nodiscard]] const Property& getSuggestionId() const { return suggestionId_; }
 

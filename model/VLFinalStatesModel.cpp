@@ -29,7 +29,7 @@ void VLFinalStatesModel::updateFilteredSuggestionIds(
     if (!suggestionIds) return;
     walk(*this, [&](VLAdSuggestionFinalState& state) {
         if (platform::isOneOf(state.getSuggestionId(), *suggestionIds)) {
-            state.changeStateTo(VLAdSuggestionFinalState::kFiltered);
+            state.changeStateTo(VLFinalState::filtered);
         }
     });
 }
@@ -38,7 +38,7 @@ void VLFinalStatesModel::updateDoingSuggestion(const std::optional<std::string>&
     if (!suggestionId) return;
     walk(*this, [&](VLAdSuggestionFinalState& state) {
         if (platform::equals(state.getSuggestionId(), *suggestionId)) {
-            state.changeStateTo(VLAdSuggestionFinalState::kDoing);
+            state.changeStateTo(VLFinalState::doing);
         }
     });
 }

@@ -25,7 +25,7 @@ const Schema& VLSuggestionListDirectResponseModel::schema() const {
 }
 
 std::shared_ptr<VLFinalStatesModel>
-VLSuggestionListDirectResponseModel::extractFinalStateWithInitialState(std::int64_t state) const {
+VLSuggestionListDirectResponseModel::extractFinalStateWithInitialState(VLFinalState state) const {
     auto states = makeList<VLAdSuggestionFinalState>();
     if (const auto list = suggestions.get()) {
         for (const auto& suggestion : *list) {

@@ -12,13 +12,14 @@ namespace velmora {
 
 class VLAdSuggestion;
 class VLFinalStatesModel;
+enum class VLFinalState : std::int64_t;
 
 /// The service's answer to a request for an ad: the candidates in its order, and settings for all of them.
 class VLSuggestionListDirectResponseModel final : public VLSerializedModel {
 public:
     /// A final state for each suggestion, in the list's order.
     [[nodiscard]] std::shared_ptr<VLFinalStatesModel>
-    extractFinalStateWithInitialState(std::int64_t state) const;
+    extractFinalStateWithInitialState(VLFinalState state) const;
 
     /// The ids of the suggestions that are not meant for this user: none, in this version.
     [[nodiscard]] std::vector<std::string> getUnnecessarySuggestionIds() const;

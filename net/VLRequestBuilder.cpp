@@ -58,10 +58,10 @@ VLRequestBuilder VLRequestBuilder::createRequestForUrl(
     return builder;
 }
 
-void VLRequestBuilder::queueSuggestion(const std::string& suggestionId, std::int64_t withState) {
+void VLRequestBuilder::queueSuggestion(const std::string& suggestionId, VLReportedState withState) {
     createRequestForUrl(VLWebServices::getSuggestionSelectionUrl(suggestionId),
-                        Dictionary{{"newState", withState}}, VLHttpRequestMethod::post, VLCallBackType::none,
-                        std::nullopt, std::nullopt)
+                        Dictionary{{"newState", static_cast<std::int64_t>(withState)}},
+                        VLHttpRequestMethod::post, VLCallBackType::none, std::nullopt, std::nullopt)
         .queue();
 }
 

@@ -12,6 +12,7 @@
 namespace velmora {
 
 class VLRewardRequestJsonParams;
+enum class VLReportedState : std::int64_t;
 
 /// Builds the requests that the persistent queue was made for.
 class VLRequestBuilder {
@@ -26,7 +27,7 @@ public:
                         const std::optional<std::vector<std::string>>& withDoneSuggestionIds,
                         const std::optional<std::vector<std::string>>& withFinalStateSuggestionIds);
 
-    static void queueSuggestion(const std::string& suggestionId, std::int64_t withState);
+    static void queueSuggestion(const std::string& suggestionId, VLReportedState withState);
     static void queueGetReward(const std::shared_ptr<VLRewardRequestJsonParams>& params, bool hasFinalState);
     /// Asks for the rewards whatever the URL is.
     static void queueNormalGetRequestForUrl(const std::optional<std::string>& url);

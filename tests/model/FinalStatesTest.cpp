@@ -142,8 +142,8 @@ void awaitSleepOf(pid_t thread) {
 
 TEST(FinalStates, AnUpdateThatWaitedChangesTheListThatIsThereThen) {
     const auto listOf = [](Property extraInfo) {
-        return makeList<VLAdSuggestionFinalState>(
-            {std::make_shared<VLAdSuggestionFinalState>(Value("a"), 2, std::move(extraInfo))});
+        return makeList<VLAdSuggestionFinalState>({std::make_shared<VLAdSuggestionFinalState>(
+            Value("a"), VLFinalState::initial, std::move(extraInfo))});
     };
     VLFinalStatesModel model;
     model.setStates(listOf(std::nullopt));
@@ -176,7 +176,8 @@ TEST(FinalStates, WalksOverListsExcludeEachOther) {
     constexpr int walks = 200;
     const auto list = makeList<VLAdSuggestionFinalState>();
     for (const char* id : {"a", "b", "a"}) {
-        list->push_back(std::make_shared<VLAdSuggestionFinalState>(Value(id), 2, std::nullopt));
+        list->push_back(
+            std::make_shared<VLAdSuggestionFinalState>(Value(id), VLFinalState::initial, std::nullopt));
     }
     // Two lists that hold the same states: the exclusion must not be one of each list.
     VLFinalStatesModel models[2];

@@ -53,7 +53,7 @@ TEST(Records, ACreativeKeepsWhatItIsMadeOf) {
 
 TEST(Records, SmallRecordsKeepWhatTheyAreMadeOf) {
     EXPECT_EQ(written(VLTrackerModel(4, "app://a")), valueOf(R"({"type": 4, "customAppUrl": "app://a"})"));
-    EXPECT_EQ(written(VLAdSuggestionFinalState(Value("s"), 2, Value(Dictionary()))),
+    EXPECT_EQ(written(VLAdSuggestionFinalState(Value("s"), VLFinalState::initial, Value(Dictionary()))),
               valueOf(R"({"suggestionId": "s", "state": 2, "extraInfo": {}})"));
     EXPECT_EQ(VLTokenResponse().getToken(), std::nullopt);
 }

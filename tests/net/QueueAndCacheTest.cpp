@@ -45,7 +45,7 @@ std::vector<std::string> finalStateIds() { return VLDefaults::getFinalStates()->
 void storeState(const char* id) {
     auto states = std::make_shared<VLFinalStatesModel>();
     states->setStates(makeList<VLAdSuggestionFinalState>({std::make_shared<VLAdSuggestionFinalState>(
-        Property(Value(id)), 2, std::nullopt)}));
+        Property(Value(id)), VLFinalState::initial, std::nullopt)}));
     VLDefaults::setFinalStates(states);
 }
 
@@ -190,7 +190,7 @@ TEST(RequestQueue, ItSendsOneAtATimeInOrderAndTriesAFailedOneAgainAfterAMinute) 
 
 TEST(RequestQueue, WhatIsBuiltAndQueuedNeverReachesIt) {
     VLDefaults::setRequestQueue(nullptr);
-    VLRequestBuilder::queueSuggestion("s", 5);
+    VLRequestBuilder::queueSuggestion("s", VLReportedState::filled);
     VLRequestBuilder::queueGetReward(std::make_shared<VLRewardRequestJsonParams>(), true);
     VLRequestBuilder::queueNormalGetRequestForUrl("http://127.0.0.1:1/");
     EXPECT_EQ(VLDefaults::getRequestQueue()->count(), 0U);
@@ -222,8 +222,8 @@ TEST(Suggestions, EachIsReportedOnceAndUnsuitableOnesAreDropped) {
         {"suggestionId": "page", "creative": {"ctaType": 1, "ctaUrl": "u", "action": {"type": 2}}},
         {"creative": {"ctaType": 3, "ctaUrl": "u", "action": {"type": 1}}}]})");
     const auto list = recordFrom<VLSuggestionListDirectResponseModel>(value->if_object());
-    EXPECT_EQ(list->extractFinalStateWithInitialState(2)->getStates()->size(), 4U);
-    EXPECT_THAT(list->extractFinalStateWithInitialState(2)->getSuggestionIds(),
+    EXPECT_EQ(list->extractFinalStateWithInitialState(VLFinalState::initial)->getStates()->size(), 4U);
+    EXPECT_THAT(list->extractFinalStateWithInitialState(VLFinalState::initial)->getSuggestionIds(),
                 ElementsAre("no creative", "a", "page"));
     EXPECT_TRUE(list->getUnnecessarySuggestionIds().empty());
     list->removeUnnecessaryAds();

@@ -97,8 +97,8 @@ public:
     static void setStates(const std::vector<std::string>& ids) {
         std::vector<std::shared_ptr<VLAdSuggestionFinalState>> states;
         for (const auto& id : ids)
-            states.push_back(std::make_shared<VLAdSuggestionFinalState>(
-                Property(id), VLAdSuggestionFinalState::kInitial, Property(Dictionary())));
+            states.push_back(std::make_shared<VLAdSuggestionFinalState>(Property(id), VLFinalState::initial,
+                                                                        Property(Dictionary())));
         const auto record = std::make_shared<VLFinalStatesModel>();
         record->setStates(makeList<VLAdSuggestionFinalState>(std::move(states)));
         VLDefaults::setFinalStates(record);
