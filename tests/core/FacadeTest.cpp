@@ -111,6 +111,7 @@ TEST(Configuration, UnsetIsNotOffAndANullTextIsAbsent) {
 
     filled.setDebugMode(false);
     EXPECT_EQ(filled.mDebugMode(), false);
+    EXPECT_FALSE(filled.isDebugMode());
     filled.setMDebugMode(true);
     EXPECT_TRUE(filled.isDebugMode());
     filled.setMDebugMode(std::nullopt);

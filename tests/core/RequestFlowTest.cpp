@@ -61,6 +61,7 @@ std::shared_ptr<VLAdRequestOptions> options(std::optional<std::int64_t> cacheTyp
 
 /// What the store holds, as another program reads it.
 struct Kept {
+    /// Those that were reported as filled before.
     std::size_t ads = 0;
     /// Each "id state", in order.
     std::vector<std::string> states;
@@ -73,8 +74,11 @@ struct Kept {
             return rows.empty() ? Value() : platform::parseJson(rows.front()).value();
         };
         Kept kept;
-        if (const auto ads = valueOf("cachedAds"); ads.is_object())
-            kept.ads = ads.at("cachedVelmoraAds").as_array().size();
+        if (const auto ads = valueOf("cachedAds"); ads.is_object()) {
+            for (const auto& one : ads.at("cachedVelmoraAds").as_array()) {
+                if (platform::asBool(one.at("mAd").at("filledReported"))) ++kept.ads;
+            }
+        }
         if (const auto states = valueOf("finalstates"); states.is_object()) {
             for (const auto& one : states.at("states").as_array()) {
                 const auto* id = one.as_object().if_contains("suggestionId");
