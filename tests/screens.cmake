@@ -23,6 +23,8 @@ velmora_add_gui_tests(ui
     support/ScriptedPlayer.cpp)
 add_executable(fontreport ui/fontreport.cpp)
 target_link_libraries(ui PRIVATE Qt6::Test)
+add_test(NAME ui.OnADenserScreen COMMAND ui --gtest_filter=ImageButtonTest.*)
+set_tests_properties(ui.OnADenserScreen PROPERTIES ENVIRONMENT QT_SCALE_FACTOR=2)
 target_link_libraries(fontreport PRIVATE velmora_objects velmora_compiler Qt6::Widgets)
 add_dependencies(ui fontreport)
 target_compile_definitions(ui PRIVATE VELMORA_FONT_REPORT="$<TARGET_FILE:fontreport>")

@@ -53,6 +53,9 @@ TEST(ActivityIndicatorView, TheSpinnerTurns) {
     ActivityIndicator spinner;
     spinner.startAnimating();
     const auto first = drawn(spinner);
+    // The spoke at its top is the front, and the next one is the end of what fades behind it.
+    EXPECT_EQ(first.pixelColor(18, 6), QColor(Qt::white));
+    EXPECT_LT(first.pixelColor(24, 7).alpha(), 80);
     const QDeadlineTimer bound(10000);
     while (drawn(spinner) == first && !bound.hasExpired()) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);

@@ -40,6 +40,7 @@ TEST(Blur, NothingComesFromBeyondTheEdgesAndItsReachIsBounded) {
     for (const auto& [at, alpha] : {std::pair(0, 12), {1, 12}, {2, 3}, {3, 0}})
         EXPECT_NEAR(image.pixelColor(at, at).alpha(), alpha, 1) << at;
     EXPECT_EQ(image.pixelColor(40, 30).alpha(), 0);
+    EXPECT_EQ(blurred(square({40, 30, 1, 1}), 2).mirrored(true, true), image);
     const auto dot = square({20, 15, 1, 1});
     EXPECT_EQ(blurred(dot, 0.9), dot);
     EXPECT_NE(blurred(dot, 1), dot);

@@ -1,7 +1,10 @@
 #include "ui/ImageButton.h"
 
 #include "support/TemporaryDirectory.h"
+#include "ui/ActivityIndicator.h"
+#include "ui/Label.h"
 #include "ui/Picture.h"
+#include "ui/VLSimpleProgressView.h"
 
 #include <filesystem>
 #include <string>
@@ -43,10 +46,10 @@ TEST_F(ImageButtonTest, APictureKeepsItsShapeInTheMiddleOfTheButton) {
         EXPECT_EQ(inkBounds(image), shown);
         EXPECT_EQ(image.pixelColor(20, 20), QColor(Qt::red));
     }
-    button_.setImage(picture("b.png", {20, 20}, Qt::green));
+    button_.setImage(picture("b.png", {10, 40}, Qt::green));
     EXPECT_EQ(drawn(button_).pixelColor(20, 20), QColor(Qt::green));
-    button_.resize(20, 40);
-    EXPECT_EQ(inkBounds(drawn(button_)), QRect(0, 10, 20, 20));
+    button_.resize(20, 80);
+    EXPECT_EQ(inkBounds(drawn(button_)), QRect(0, 0, 20, 80));
 }
 
 TEST_F(ImageButtonTest, APressedOneIsFainterAndOneWithoutAPictureShowsNothing) {
@@ -56,6 +59,22 @@ TEST_F(ImageButtonTest, APressedOneIsFainterAndOneWithoutAPictureShowsNothing) {
     button_.setImage(folder_ / "missing.png");
     EXPECT_EQ(button_.imageFile(), folder_ / "missing.png");
     EXPECT_EQ(ink(drawn(button_)), 0);
+}
+
+TEST_F(ImageButtonTest, TouchesGoThroughWhatLiesOverIt) {
+    QWidget window;
+    button_.setParent(&window);
+    const QRect over = button_.geometry();
+    Label label(&window);
+    label.setGeometry(over);
+    const VLSimpleProgressView ring(over, &window);
+    ActivityIndicator spinner(&window);
+    spinner.setGeometry(over);
+    spinner.startAnimating();
+    window.show();
+    EXPECT_TRUE(label.isVisible() && ring.isVisible() && spinner.isVisible());
+    EXPECT_EQ(window.childAt(over.center()), &button_);
+    button_.setParent(nullptr);
 }
 
 }  // namespace

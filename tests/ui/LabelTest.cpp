@@ -96,6 +96,13 @@ TEST(Label, WordsGoToTheNextLineWhereThereIsOne) {
     EXPECT_DOUBLE_EQ(height(0, 3.5 * line), 3 * line);
     EXPECT_DOUBLE_EQ(height(0, 0), line) << "one line at least";
 
+    Label label;
+    label.resize(100, 200);
+    label.setText(kLong, attributes.attributes());
+    const auto oneLine = inkBounds(drawn(label)).height();
+    label.setNumberOfLines(0);
+    EXPECT_GT(inkBounds(drawn(label)).height(), 2 * oneLine);
+
     const auto twoLines = shown(kLong, LineBreakMode::byTruncatingTail, 2);
     EXPECT_TRUE(twoLines.endsWith(kEllipsis));
     EXPECT_GT(twoLines.size(), shown(kLong, LineBreakMode::byTruncatingTail).size());
@@ -150,7 +157,16 @@ TEST(Label, ColoursShadowsAndLinesAreDrawn) {
 
     auto underlined = attributes;
     underlined.setUnderlineStyle(1);
-    EXPECT_GT(ink(label(kGreeting, underlined)), ink(plain) + 20);
+    const auto line = ink(label(kGreeting, underlined)) - ink(plain);
+    EXPECT_GT(line, 20);
+    for (const int style : {2, 9}) {
+        underlined.setUnderlineStyle(style);
+        EXPECT_NEAR(ink(label(kGreeting, underlined)) - ink(plain), 2 * line, line / 2) << style;
+    }
+    // No letter of this one reaches below the line.
+    const auto twice = inkBounds(label("abc", underlined)).bottom();
+    underlined.setUnderlineStyle(1);
+    EXPECT_GT(twice, inkBounds(label("abc", underlined)).bottom() + 1);
 
     auto backed = attributes;
     backed.setBackgroundColor(QColor(Qt::yellow));
@@ -163,6 +179,10 @@ TEST(Label, ColoursShadowsAndLinesAreDrawn) {
     const auto hard = label(kGreeting, shadowed);
     EXPECT_TRUE(has(hard, Qt::blue));
     EXPECT_NEAR(inkBounds(hard).left(), inkBounds(plain).left() - 20, 1);
+    auto outlined = shadowed;
+    outlined.setStrokeColor(QColor(Qt::red), -10);
+    const auto beside = label(kGreeting, outlined).copy(0, 0, inkBounds(plain).left() - 10, 60);
+    EXPECT_TRUE(has(beside, Qt::blue) && !has(beside, Qt::red)) << "a shadow has one colour";
     shadowed.setShadow(Shadow{{-20, 6}, 4, Qt::blue});
     const auto soft = label(kGreeting, shadowed);
     EXPECT_FALSE(has(soft, Qt::blue));

@@ -82,7 +82,9 @@ TEST(SimpleProgressView, ItsEndIsRoundAndALittlePastItsStart) {
     EXPECT_NEAR(alphaAt(image, -8), kFaint, 2);
 }
 
-TEST(SimpleProgressView, NothingIsDrawnWhileItIsHidden) {
+TEST(SimpleProgressView, NothingIsDrawnWhileItIsHiddenOrSmallerThanItsLine) {
+    VLSimpleProgressView small(QRect(0, 0, 4, 4));
+    EXPECT_EQ(ink(drawn(small)), 0);
     VLSimpleProgressView view(QRect(0, 0, kSize, kSize));
     EXPECT_GT(ink(drawn(view)), 0);
     view.hide();

@@ -130,6 +130,15 @@ TEST_F(WebViewController, ThePageCoversTheScreenAndHidesTheStatusBar) {
     EXPECT_TRUE(controller->prefersStatusBarHidden());
 }
 
+TEST_F(WebViewController, APageThatIsMadeOnTheScreenIsSeenThere) {
+    controller = std::make_shared<VLWebViewController>();
+    present();
+    static_cast<void>(controller->webView());
+    const auto& made = *pages.made().back();
+    EXPECT_TRUE(made.widget->isVisible());
+    EXPECT_EQ(made.widget->geometry(), controller->view()->geometry());
+}
+
 TEST_F(WebViewController, CommandsAreRefusedAndReachTheDelegateOnce) {
     const std::string megabyte(1 << 20, 'x');
     const std::vector<std::pair<std::string, std::string>> commands{
