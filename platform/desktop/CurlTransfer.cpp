@@ -20,7 +20,6 @@ namespace {
 
 constexpr long kMostRedirects = 16;
 constexpr std::size_t kMostHeaderBytes = std::size_t{300} * 1024;
-constexpr long kLeastFinalStatus = 200;
 constexpr const char* kBlanks = " \t\r\n\v\f";
 constexpr long kReceiveBuffer = 128L * 1024;
 
@@ -266,8 +265,7 @@ std::size_t CurlTransfer::onHeader(char* bytes, std::size_t one, std::size_t siz
 
 bool CurlTransfer::takeHeader(std::string_view line) {
     if (line.starts_with("HTTP/")) headersAreWhole_ = false;
-    // An interim answer is not the answer.
-    if (line.starts_with('\r') || line.starts_with('\n')) headersAreWhole_ = status() >= kLeastFinalStatus;
+    if (line.starts_with('\r') || line.starts_with('\n')) headersAreWhole_ = true;
     refusedRedirect_ = leadsToPlainHttp(line);
     return !refusedRedirect_;
 }
