@@ -60,7 +60,8 @@ private:
     void cancel(const Transfer& transfer);
     void startWaiting(const std::string& host);
     [[nodiscard]] bool start(const Transfer& transfer);
-    void performTransfers();
+    /// Whether any ended.
+    [[nodiscard]] bool performTransfers();
     void endIdleTransfers();
     void waitForEvents();
     /// Out of flight: another one of its host may start.

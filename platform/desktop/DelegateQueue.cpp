@@ -8,10 +8,14 @@
 namespace velmora::platform {
 
 void DelegateQueue::add(Work work) {
-    const MutexLock lock(mutex_);
-    waiting_.push_back(std::move(work));
-    if (startThread()) return changed_.notify_all();
-    runWaiting();
+    {
+        const MutexLock lock(mutex_);
+        waiting_.push_back(std::move(work));
+        if (!startThread()) return runWaiting();
+        // Whoever runs work looks for more by itself.
+        if (running_) return;
+    }
+    changed_.notify_all();
 }
 
 void DelegateQueue::leave(Deadline deadline) {
