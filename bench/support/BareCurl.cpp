@@ -39,9 +39,16 @@ std::size_t store(char* bytes, std::size_t one, std::size_t size, void* output) 
 
 }  // namespace
 
-BareCurl::BareCurl() : multi_(curl_multi_init()) {}
+BareCurl::BareCurl() : multi_(curl_multi_init()) {
+    for (const char* line :
+         {"User-Agent: bare/0", "Content-Type: application/json", "Accept: application/json"})
+        headers_ = curl_slist_append(headers_, line);
+}
 
-BareCurl::~BareCurl() { curl_multi_cleanup(multi_); }
+BareCurl::~BareCurl() {
+    curl_multi_cleanup(multi_);
+    curl_slist_free_all(headers_);
+}
 
 void BareCurl::get(const std::string& url, int count) {
     std::deque<std::string> bodies(static_cast<std::size_t>(count));
@@ -50,6 +57,8 @@ void BareCurl::get(const std::string& url, int count) {
     while (ended < count) {
         for (; started < count && started - ended < 8; ++started) {
             auto* handle = make(url, bodies[static_cast<std::size_t>(started)]);
+            curl_easy_setopt(handle, CURLOPT_HTTPHEADER, headers_);
+            curl_easy_setopt(handle, CURLOPT_ACCEPT_ENCODING, "");
             curl_multi_add_handle(multi_, handle);
         }
         ended += turn();

@@ -32,6 +32,8 @@ private:
     int turn();
 
     CURLM* multi_;
+    /// As many as the library sends: reading them is the server's work on either side.
+    curl_slist* headers_ = nullptr;
 };
 
 }  // namespace velmora::bench
