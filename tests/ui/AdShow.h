@@ -195,9 +195,11 @@ public:
     }
 
     void replay() {
+        const int before = player()->count("seek 0");
         // Clicked twice.
         EXPECT_FALSE(page()->navigate("velmora://replay"));
         command("replay");
+        EXPECT_EQ(player()->count("seek 0"), before + 1);
         player()->finishSeeks(true);
     }
 

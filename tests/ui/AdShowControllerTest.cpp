@@ -56,9 +56,11 @@ TEST_F(AdShow, WhatWasSentOfASuggestionIsNotSentAgainByItsNextShow) {
     play();
     tick({0, 2});
     skip();
+    EXPECT_FALSE(platform::asBool(ad->state().mAd.get()->doneReported.get()));
     command("close");
     const std::string first = "0:start 2:firstQuartile skip:skip close:complete";
     EXPECT_EQ(trackers(), first);
+    EXPECT_TRUE(platform::asBool(ad->state().mAd.get()->doneReported.get()));
     show(ad);
     play();
     tick({0, 2, 4});
@@ -147,6 +149,14 @@ TEST_F(AdShow, WhatHasPassedIsKeptInTheListThatIsThereAtTheEnd) {
         end();
         EXPECT_EQ(states(), "s=2/0 new=2");
     }
+    // Of a video that was seen whole all is said with its end.
+    show(video());
+    play();
+    tick({8});
+    reachEnd();
+    setStates({"s", "new"});
+    command("close");
+    EXPECT_EQ(states(), "s=2 new=2");
 }
 
 TEST_F(AdShow, FiguresComeFromTheFirstTickOnAndOnlyUntilTheFirstEnd) {
@@ -360,6 +370,15 @@ TEST_F(AdShow, APageBehindTheVideoThatSaysThatItIsDoneLeavesTheVideoAlone) {
     reachEnd();
     EXPECT_TRUE(page()->widget->isVisible());
     EXPECT_EQ(told(), "true");
+}
+
+TEST_F(AdShow, ThePageTakesThePlaceOfAVideoThatIsStillThere) {
+    show(video());
+    shown()->showActionWebView();
+    rest();
+    EXPECT_TRUE(page()->widget->isVisible());
+    EXPECT_FALSE(player()->layer->isVisible());
+    EXPECT_EQ(shown()->presentedViewController(), shown()->webView);
 }
 
 TEST_F(AdShow, ThePageOpensWhatTheDesktopCanOpenAndTheShowGoesOn) {
