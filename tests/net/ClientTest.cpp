@@ -194,7 +194,7 @@ TEST_F(ClientTest, TheApiBaseMayBeAnAddressInBrackets) {
         GTEST_SKIP() << "no IPv6 on this machine: " << error.what();
     }
     ::setenv("VELMORA_API_BASE_URL", server->url("/v2").c_str(), 1);
-    EXPECT_EQ(send({.url = VLWebServices::getTokenUrl(), .params = Dictionary{{"a", "://[::1]"}}}),
+    ASSERT_EQ(send({.url = VLWebServices::getTokenUrl(), .params = Dictionary{{"a", "://[::1]"}}}),
               "200 six");
     EXPECT_EQ(server->seen().front().target, "/v2/token/?a=://%5B::1%5D");
     EXPECT_EQ(get("/v2/x?a=://[::1]"), "200 text");
