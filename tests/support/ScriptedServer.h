@@ -19,8 +19,8 @@ struct SeenRequest {
     /// Names in lower case.
     std::map<std::string, std::string> headers;
     std::string body;
-    /// Which connection it came over, counted from 1 in the order in which they were made. A client that makes
-    /// one for each request has sent them in this order, however they were read.
+    /// Which connection it came over, counted from 1 in the order in which they were made. A client that
+    /// makes one for each request has sent them in this order, however they were read.
     int connection = 0;
 };
 
