@@ -95,6 +95,25 @@ TEST_F(GeocoderAnswer, WhatIsMissingEmptyOrOfAnotherKindIsAbsent) {
     EXPECT_FALSE(place.formattedAddressLines);
 }
 
+TEST_F(GeocoderAnswer, WhereAPartIsMissingTheNextBestStandsInForIt) {
+    const char* const answers[]{
+        R"({"road": "n", "town": "l", "sea": "o", "province": "a", "state_district": "s", "lake": "w"})",
+        R"({"neighbourhood": "n", "hamlet": "l", "sea": "o", "region": "a", "district": "s", "river": "w"})",
+        R"({"road": "n", "municipality": "l", "ocean": "o", "state": "a", "county": "s", "reservoir": "w"})",
+    };
+    for (const auto* parts : answers) {
+        const auto outcome = askFor(std::string(R"({"address": )") + parts + "}");
+        ASSERT_EQ(outcome.placemarks.size(), 1U) << parts;
+        const auto& place = outcome.placemarks.front();
+        EXPECT_EQ(place.name, "n") << parts;
+        EXPECT_EQ(place.locality, "l") << parts;
+        EXPECT_EQ(place.ocean, "o") << parts;
+        EXPECT_EQ(place.administrativeArea, "a") << parts;
+        EXPECT_EQ(place.subAdministrativeArea, "s") << parts;
+        EXPECT_EQ(place.inlandWater, "w") << parts;
+    }
+}
+
 TEST_F(GeocoderAnswer, WhatIsNoPlaceIsAnError) {
     const std::string place = R"({"address": {}, "name": ")";
     const Script cases[]{
