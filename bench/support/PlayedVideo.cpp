@@ -39,7 +39,8 @@ void coverScreen(QWidget& window) {
 
 bool hasPicture(const QWidget& window) {
     constexpr int side = 32;
-    const QPoint corner = window.rect().center() - QPoint(side / 2, side / 2);
+    // Beside the middle, where the panel lies that says that something loads.
+    const QPoint corner(window.width() / 4, window.height() / 2);
     const auto image =
         window.screen()->grabWindow(window.winId(), corner.x(), corner.y(), side, side).toImage();
     for (int y = 0; y < image.height(); ++y)
