@@ -113,8 +113,8 @@ std::shared_ptr<VelmoraAd> makeAd(const std::string& video) {
     options->setCacheType(2);
     ad->state().setAdRequestOptions(options);
     auto states = std::make_shared<VLFinalStatesModel>();
-    states->setStates(makeList<VLAdSuggestionFinalState>(
-        {std::make_shared<VLAdSuggestionFinalState>(Value("s"), VLFinalState::initial, Value(Dictionary()))}));
+    states->setStates(makeList<VLAdSuggestionFinalState>({std::make_shared<VLAdSuggestionFinalState>(
+        Value("s"), VLFinalState::initial, Value(Dictionary()))}));
     VLDefaults::setFinalStates(states);
     VLDefaults::cacheNewAd(ad);
     return ad;

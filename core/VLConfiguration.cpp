@@ -6,12 +6,13 @@
 
 namespace velmora {
 
-struct VLConfiguration::State {
+class VLConfigurationState {
+public:
     AtomicProperty<std::optional<bool>> debugMode;
     AtomicProperty<std::optional<std::string>> appUserId;
 };
 
-VLConfiguration::VLConfiguration() : state_(std::make_unique<State>()) {}
+VLConfiguration::VLConfiguration() : state_(std::make_unique<VLConfigurationState>()) {}
 
 VLConfiguration::~VLConfiguration() = default;
 

@@ -8,6 +8,8 @@
 
 namespace velmora {
 
+class VLConfigurationState;
+
 /// What an application may say at initialisation, which reads it once. Safe to use from any thread.
 ///
 /// One that was never filled has debug mode off and no user id.
@@ -47,8 +49,7 @@ private:
         return text != nullptr ? std::optional<std::string>(text) : std::nullopt;
     }
 
-    struct State;
-    std::unique_ptr<State> state_;
+    std::unique_ptr<VLConfigurationState> state_;
 };
 
 }  // namespace velmora
