@@ -103,6 +103,16 @@ void logRefusal(CURLU* url) {
         " is not a loopback address");
 }
 
+/// Nothing may be thrown through libcurl's frames.
+template <class Result, class Work>
+Result keepingExceptions(Result whenThrown, const Work& work) noexcept {
+    try {
+        return work();
+    } catch (...) {
+        return whenThrown;
+    }
+}
+
 }  // namespace
 
 CurlTransfer::CurlTransfer(CurlLoop& loop, UrlRequest request, std::optional<std::filesystem::path> file,
@@ -167,6 +177,9 @@ bool CurlTransfer::prepare(CURLSH* share) {
     curl_easy_setopt(handle, CURLOPT_XFERINFOFUNCTION, &CurlTransfer::onProgress);
     curl_easy_setopt(handle, CURLOPT_XFERINFODATA, this);
     curl_easy_setopt(handle, CURLOPT_NOPROGRESS, 0L);
+    // Asked for each redirect too, over new and kept connections, before anything of the request goes out.
+    curl_easy_setopt(handle, CURLOPT_PREREQFUNCTION, &CurlTransfer::onRequest);
+    curl_easy_setopt(handle, CURLOPT_PREREQDATA, this);
     curl_easy_setopt(handle, CURLOPT_ACCEPT_ENCODING, "");
     curl_easy_setopt(handle, CURLOPT_COOKIEFILE, "");
     curl_easy_setopt(handle, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
@@ -237,58 +250,22 @@ void CurlTransfer::setTrust() {
 
 std::size_t CurlTransfer::onBody(char* bytes, std::size_t one, std::size_t size, void* transfer) {
     auto& self = *static_cast<CurlTransfer*>(transfer);
-    self.lastActivity_ = Clock::now();
-    size *= one;
-    if (self.partial_) {
-        self.partial_->append({bytes, size});
-    } else if (self.body_.size() + size > UrlSession::kMostBytesInMemory) {
-        self.tooLong_ = true;
-        return CURL_WRITEFUNC_ERROR;
-    } else {
-        try {
-            self.body_.append(bytes, size);
-        } catch (const std::exception&) {
-            return CURL_WRITEFUNC_ERROR;
-        }
-    }
-    return size;
+    return keepingExceptions<std::size_t>(CURL_WRITEFUNC_ERROR, [&] {
+        return self.takeBody({bytes, one * size}) ? one * size : CURL_WRITEFUNC_ERROR;
+    });
 }
 
 std::size_t CurlTransfer::onHeader(char* bytes, std::size_t one, std::size_t size, void* transfer) {
     auto& self = *static_cast<CurlTransfer*>(transfer);
-    self.lastActivity_ = Clock::now();
-    size *= one;
-    self.headerSize_ += size;
-    if (self.headerSize_ > kMostHeaderBytes || !self.takeHeader({bytes, size})) return CURL_WRITEFUNC_ERROR;
-    return size;
+    return keepingExceptions<std::size_t>(CURL_WRITEFUNC_ERROR, [&] {
+        return self.takeHeader({bytes, one * size}) ? one * size : CURL_WRITEFUNC_ERROR;
+    });
 }
 
-bool CurlTransfer::takeHeader(std::string_view line) {
-    if (line.starts_with("HTTP/")) headersAreWhole_ = false;
-    if (line.starts_with('\r') || line.starts_with('\n')) headersAreWhole_ = true;
-    refusedRedirect_ = leadsToPlainHttp(line);
-    return !refusedRedirect_;
-}
-
-bool CurlTransfer::leadsToPlainHttp(std::string_view line) const {
-    static constexpr std::string_view kName = "location:";
-    if (!request_.requiresSecureTransport || line.size() < kName.size() ||
-        ::strncasecmp(line.data(), kName.data(), kName.size()) != 0)
-        return false;
-    line.remove_prefix(kName.size());
-    line.remove_prefix(std::min(line.find_first_not_of(kBlanks), line.size()));
-    const std::string target(line.substr(0, line.find_last_not_of(kBlanks) + 1));
-
-    // As libcurl itself finds out where it leads. What it takes for no address it does not follow.
-    const CurlUrl next(curl_url());
-    const auto answered = response();
-    if (!answered || curl_url_set(next.get(), CURLUPART_URL, answered->url.c_str(), 0) != CURLUE_OK ||
-        curl_url_set(next.get(), CURLUPART_URL, target.c_str(), CURLU_URLENCODE | CURLU_ALLOW_SPACE) !=
-            CURLUE_OK ||
-        !isPlainBeyondLoopback(next.get()))
-        return false;
-    logRefusal(next.get());
-    return true;
+int CurlTransfer::onRequest(void* transfer, char*, char*, int, int) {
+    auto& self = *static_cast<CurlTransfer*>(transfer);
+    return keepingExceptions<int>(CURL_PREREQFUNC_ABORT,
+                                  [&] { return self.mayAsk() ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT; });
 }
 
 int CurlTransfer::onProgress(void* transfer, curl_off_t, curl_off_t, curl_off_t, curl_off_t sent) {
@@ -296,6 +273,36 @@ int CurlTransfer::onProgress(void* transfer, curl_off_t, curl_off_t, curl_off_t,
     if (sent != self.sent_) self.lastActivity_ = Clock::now();
     self.sent_ = sent;
     return 0;
+}
+
+bool CurlTransfer::takeBody(std::string_view bytes) {
+    lastActivity_ = Clock::now();
+    if (partial_) {
+        partial_->append(bytes);
+        return true;
+    }
+    tooLong_ = body_.size() + bytes.size() > UrlSession::kMostBytesInMemory;
+    if (!tooLong_) body_.append(bytes);
+    return !tooLong_;
+}
+
+bool CurlTransfer::takeHeader(std::string_view line) {
+    lastActivity_ = Clock::now();
+    headerSize_ += line.size();
+    if (line.starts_with("HTTP/")) headersAreWhole_ = false;
+    if (line.starts_with('\r') || line.starts_with('\n')) headersAreWhole_ = true;
+    return headerSize_ <= kMostHeaderBytes;
+}
+
+bool CurlTransfer::mayAsk() {
+    if (!request_.requiresSecureTransport) return true;
+    const char* address = nullptr;
+    curl_easy_getinfo(handle_.get(), CURLINFO_EFFECTIVE_URL, &address);
+    const CurlUrl url(curl_url());
+    if (address == nullptr || curl_url_set(url.get(), CURLUPART_URL, address, 0) != CURLUE_OK) return false;
+    refusedRedirect_ = isPlainBeyondLoopback(url.get());
+    if (refusedRedirect_) logRefusal(url.get());
+    return !refusedRedirect_;
 }
 
 void CurlTransfer::endWithResult(CURLcode result) {

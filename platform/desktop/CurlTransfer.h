@@ -64,14 +64,16 @@ public:
 private:
     static std::size_t onBody(char* bytes, std::size_t one, std::size_t size, void* transfer);
     static std::size_t onHeader(char* bytes, std::size_t one, std::size_t size, void* transfer);
+    static int onRequest(void* transfer, char* address, char* ownAddress, int port, int ownPort);
     static int onProgress(void* transfer, curl_off_t, curl_off_t, curl_off_t, curl_off_t sent);
 
     void setMethodAndBody();
     void setHeaders();
     void setTrust();
-    /// False when the exchange is not to go on.
+    /// These are false when the exchange is not to go on.
+    [[nodiscard]] bool takeBody(std::string_view bytes);
     [[nodiscard]] bool takeHeader(std::string_view line);
-    [[nodiscard]] bool leadsToPlainHttp(std::string_view line) const;
+    [[nodiscard]] bool mayAsk();
     [[nodiscard]] long status() const;
     [[nodiscard]] std::optional<UrlResponse> response() const;
     [[nodiscard]] UrlError::Code codeOf(CURLcode result) const;

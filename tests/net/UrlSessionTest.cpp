@@ -63,6 +63,11 @@ Script fault(const std::string& target) {
     if (target == "/headers-only") return {.bytes = raw("", "")};
     if (target == "/drips")
         return {.bytes = raw("", ""), .block = ".", .blocks = 25, .pause = std::chrono::milliseconds(100)};
+    if (target == "/drips-headers")
+        return {.bytes = "HTTP/1.1 200 OK\r\n",
+                .block = "S: s\r\n",
+                .blocks = 25,
+                .pause = std::chrono::milliseconds(100)};
     if (target == "/short") return {.bytes = raw("Content-Length: 100\r\n", "not a hundred")};
     if (target == "/broken-gzip")
         return {.bytes = raw("Content-Encoding: gzip\r\nContent-Length: 9\r\n", "not gzip!")};
@@ -78,8 +83,8 @@ Script fault(const std::string& target) {
                 .block = std::string(block, 'x'),
                 .blocks = UrlSession::kMostBytesInMemory / block};
     }
-    if (target == "/moved-to-http") return Script::answer(302, "", "location: http://ads.invalid/\r\n");
-    if (target == "/moved-to-another") return Script::answer(302, "", "Location:\t//ads.invalid/x\r\n");
+    if (target.starts_with("/200?") || target.starts_with("/302?"))
+        return Script::answer(std::stoi(target.substr(1, 3)), "", "Location: " + target.substr(5) + "\r\n");
     if (target == "/moved-and-cut-short") return Script::answer(302, "", "Location: /no-blank-line\r\n");
     if (target == "/moved") return Script::answer(302, "", "Location: /\r\n");
     return Script::answer(200, "body of " + target);
@@ -109,6 +114,7 @@ TEST_F(UrlSessionTest, EveryWayAServerCanFailEndsInOneErrorOrOneAnswer) {
         {server_.url("/interim-only"), UrlError::networkConnectionLost, 103},
         {server_.url("/headers-only"), std::nullopt, 200},
         {server_.url("/drips"), std::nullopt, 200},
+        {server_.url("/drips-headers"), UrlError::networkConnectionLost, 200},
         {server_.url("/short"), UrlError::networkConnectionLost, 200},
         {server_.url("/broken-gzip"), UrlError::cannotDecodeContentData, 200},
         {server_.url("/loop"), UrlError::tooManyRedirects, 302},
@@ -266,6 +272,10 @@ TEST_F(UrlSessionTest, ADownloadIsPublishedWholeOrNotAtAll) {
 }
 
 TEST_F(UrlSessionTest, PlainHttpBeyondTheLoopbackIsRefusedWhereSecurityIsRequired) {
+    // Leads to this machine, and is no loopback address. One connection there is kept.
+    auto elsewhere = server_.url("/elsewhere");
+    elsewhere.replace(elsewhere.find("127.0.0.1"), 9, "0.0.0.0");
+    EXPECT_EQ(fetch(get(elsewhere)).data, "body of /elsewhere");
     UrlRequest request;
     request.requiresSecureTransport = true;
     for (const auto& [url, host] :
@@ -273,8 +283,8 @@ TEST_F(UrlSessionTest, PlainHttpBeyondTheLoopbackIsRefusedWhereSecurityIsRequire
           std::pair(std::string("http://127.ads.invalid/"), "127.ads.invalid"),
           std::pair(std::string("http://localhost.ads.invalid/"), "localhost.ads.invalid"),
           std::pair(std::string("http://[2001:db8::1]/"), "[2001:db8::1]"),
-          std::pair(server_.url("/moved-to-http"), "ads.invalid"),
-          std::pair(server_.url("/moved-to-another"), "ads.invalid")}) {
+          std::pair(server_.url("/302?" + elsewhere), "0.0.0.0"),
+          std::pair(server_.url("/302?" + elsewhere.substr(elsewhere.find("//"))), "0.0.0.0")}) {
         const LogCapture log;
         request.url = url;
         const auto outcome = fetch(request);
@@ -284,9 +294,12 @@ TEST_F(UrlSessionTest, PlainHttpBeyondTheLoopbackIsRefusedWhereSecurityIsRequire
                     testing::ElementsAre(testing::HasSubstr("Refused to send a request over http: http://" +
                                                             std::string(host) + " is not a loopback")));
     }
-    for (const auto* path : {"/", "/moved"}) {
+    EXPECT_THAT(server_.seen(),
+                testing::Contains(testing::Field(&SeenRequest::target, "/elsewhere")).Times(1));
+    for (const auto& [path, body] : {std::pair("/", "body of /"), std::pair("/moved", "body of /"),
+                                     std::pair("/200?http://ads.invalid/", "")}) {
         request.url = server_.url(path);
-        EXPECT_EQ(fetch(request).data, "body of /") << path;
+        EXPECT_EQ(fetch(request).data, body) << path;
     }
 }
 
