@@ -6,14 +6,20 @@
 #include <optional>
 #include <string>
 
-#include <velmora/enumerations.h>
-
 namespace velmora {
 
 class VLActionModel;
 class VLSkipStarPercentageModel;
 class VLVastTrackingData;
 class VLVibrationPattern;
+
+/// What an ad shows.
+enum class VLCreativeType : std::int64_t {
+    rewardedVideo = 1,
+    banner = 2,  ///< a page
+    video = 3,
+    unknown = 800,
+};
 
 /// What a suggestion shows, and how its call to action works.
 class VLDirectCreativeModel final : public VLSerializedModel {

@@ -21,15 +21,7 @@ enum class VLOrientation : std::int64_t {
     portraitUpsideDown = 5,
 };
 
-/// What an ad shows.
-enum class VLCreativeType : std::int64_t {
-    rewardedVideo = 1,
-    banner = 2,  ///< a page
-    video = 3,
-    unknown = 800,
-};
-
-/// The kind of pre-roll that a VAST URL asks for.
+/// The kind of pre-roll that a VAST URL asks for, by what the sandbox ad service makes of the numbers.
 enum class VLPrerollType : int {
     notSkippable = 1,
     skippable = 2,
