@@ -11,24 +11,18 @@
 #include "platform/OneWait.h"
 #include "platform/UrlText.h"
 
+#include <algorithm>
+#include <initializer_list>
+
 namespace velmora {
 
 namespace {
 
-std::optional<std::string> textOfVersion(int version) {
-    switch (version) {
-    case 2: return "2";
-    case 3: return "3";
-    default: return std::nullopt;
-    }
-}
-
-std::optional<std::string> textOfType(int type) {
-    switch (type) {
-    case 1: return "1";
-    case 2: return "2";
-    default: return std::nullopt;
-    }
+/// Absent for a number that has no name: the choice is then the service's.
+template <class Name>
+std::optional<std::string> textOf(int number, std::initializer_list<Name> names) {
+    const bool hasName = std::find(names.begin(), names.end(), static_cast<Name>(number)) != names.end();
+    return hasName ? std::optional(std::to_string(number)) : std::nullopt;
 }
 
 /// A value of the device's description, which may itself be absent.
@@ -55,7 +49,7 @@ Dictionary parametersFor(const std::string& key, int type, int version) {
     set("deviceModel", model);
     set("osId", VLDeviceAppInfo::deviceIdentifier());
     set("osAdvertisingId", VLDeviceAppInfo::advertisingIdentifier());
-    set("vastVersion", textOfVersion(version));
+    set("vastVersion", textOf(version, {VLVastVersion::v2, VLVastVersion::v3}));
     set("appVersion", platform::asString(valueIn(info, &Info::appVersion)));
     set("deviceBrand", platform::asString(valueIn(info, &Info::deviceBrand)));
     set("deviceLanguage", platform::asString(valueIn(info, &Info::deviceLanguage)));
@@ -67,7 +61,7 @@ Dictionary parametersFor(const std::string& key, int type, int version) {
     set("screenHeight", model);
     set("screenOrientation", model);
     set("screenWidth", model);
-    set("prerollType", textOfType(type));
+    set("prerollType", textOf(type, {VLPrerollType::notSkippable, VLPrerollType::skippable}));
     set("t-user-id", VLDefaults::getVelmoraUserId());
     return parameters;
 }
