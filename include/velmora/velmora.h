@@ -94,10 +94,11 @@ public:
     /// `onExpiring` follows on the main thread when an available ad has a time limit and it runs out, shown
     /// or not. All four callbacks are required: with one missing, the request is dropped and none is called.
     ///
-    /// They are copied by this call, and destroyed soon after the one that is the answer has returned, on the
-    /// same thread. That of `onExpiring` lives on, with the handle, until it has been called, and is
-    /// destroyed on the main thread; without a time limit it goes with the others. What still waits when the
-    /// process leaves `main` is never destroyed.
+    /// They are copied by this call, and destroyed soon after the one that is the answer has returned: on the
+    /// same thread, or on the calling one when the answer was there before this call had returned. That of
+    /// `onExpiring` lives on, with the handle, until it has been called, and is destroyed on the main thread;
+    /// without a time limit it goes with the others. What still waits when the process leaves `main` is never
+    /// destroyed.
     static void requestAdForZone(const std::optional<std::string>& zone,
                                  const std::shared_ptr<VLAdRequestOptions>& andOptions,
                                  const OnAdAvailable& onAdAvailable, const OnNoAdAvailable& onNoAdAvailable,
@@ -117,17 +118,22 @@ public:
     /// | the video plays to its end | at its end, while its page is still to come | true |
     /// |   then its page closes, or a replay is left without the dialog option | again | true |
     /// |   a replay that plays to its end | none more at that end | |
+    /// |   a replay that is left with the dialog option | none more | |
     /// | the video is skipped, and then its page closes | one, when the page closes | false |
+    /// |   the same in a replay | one, when the page closes | true |
     /// | the video is left by its exit button | one | false |
     /// |   the same with the dialog option | none | |
     /// | the video cannot be loaded | one | true |
     /// |   it fails after its length was known | one | false, in a replay true |
     /// | its page closes while the video still plays | one | false |
     /// | the video ends, its length never known or below a second | one, when its page closes | false |
+    /// | a page in front reaches an address with "VelmoraSuggestionIsDone" in it (*) | none more | |
     /// | a page that asks to be closed more than once | one for each time | as above |
     /// | the ad is a banner | none | |
     /// | its window is closed from outside | none more | |
     /// | the ad is not shown, or the screen stays empty (see `VelmoraAd::showWithOptions`) | none | |
+    ///
+    /// (*) The page goes, and an empty screen stays, which only closing its window ends.
     ///
     /// The first call with true is thus the one to reward for, and only that one:
     ///
