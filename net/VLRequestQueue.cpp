@@ -16,7 +16,8 @@ namespace {
 
 constexpr std::chrono::seconds kPauseAfterFailure{60};
 
-/// Held where the design of the queue excludes two calls of the class.
+/// Two threads must neither make the shared queue twice nor each load the stored one to add a request to it:
+/// the one that saves last would drop what the other has added.
 platform::Mutex VLRequestQueueLock;
 
 }  // namespace

@@ -61,7 +61,7 @@ void BareCurl::get(const std::string& url, int count) {
             curl_easy_setopt(handle, CURLOPT_ACCEPT_ENCODING, "");
             curl_multi_add_handle(multi_, handle);
         }
-        ended += turn();
+        ended += performAndCountEnded();
     }
 }
 
@@ -75,7 +75,7 @@ std::string BareCurl::post(const std::string& url, const std::string& body, cons
     curl_easy_setopt(handle, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
     curl_easy_setopt(handle, CURLOPT_POSTFIELDS, body.data());
     curl_multi_add_handle(multi_, handle);
-    while (turn() == 0) continue;
+    while (performAndCountEnded() == 0) continue;
     curl_slist_free_all(list);
     return answer;
 }
@@ -90,7 +90,7 @@ void BareCurl::download(const std::string& url, const std::string& file) {
     curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, store);
     curl_easy_setopt(handle, CURLOPT_WRITEDATA, &output);
     curl_multi_add_handle(multi_, handle);
-    while (turn() == 0) continue;
+    while (performAndCountEnded() == 0) continue;
     if (::fsync(output.descriptor) != 0 || ::close(output.descriptor) != 0 ||
         std::rename(temporary.c_str(), file.c_str()) != 0)
         std::exit(2);
@@ -104,7 +104,7 @@ CURL* BareCurl::make(const std::string& url, std::string& body) {
     return handle;
 }
 
-int BareCurl::turn() {
+int BareCurl::performAndCountEnded() {
     int running = 0;
     int left = 0;
     int ended = 0;

@@ -28,8 +28,8 @@ public:
 
 private:
     static CURL* make(const std::string& url, std::string& body);
-    /// How many ended.
-    int turn();
+    /// Waits for more when none has ended.
+    int performAndCountEnded();
 
     CURLM* multi_;
     /// As many as the library sends: reading them is the server's work on either side.
