@@ -2,7 +2,7 @@
 
 Parameters: "level" is the accuracy that is to be had, 0 where the user turned it off; "location" replaces properties of the
 position; "silent" starts and gives none; "times" is how often the position is told; "error" is the name of the error that
-starting ends in; "late" is how many seconds each answer takes.
+starting ends in; "late" is how many seconds each answer takes, "until" the file without which there is none.
 """
 
 import dbus
@@ -25,6 +25,8 @@ self.EmitSignal('{BUS_NAME}.Client', 'LocationUpdated', 'oo', [dbus.ObjectPath('
 
 def load(mock, parameters):
     wait = f"import time; time.sleep({float(parameters.get('late', 0))})\n"
+    if "until" in parameters:
+        wait = f"import os, time\nwhile not os.path.exists({parameters['until']!r}): time.sleep(0.02)\n"
     start = "" if parameters.get("silent") else START * parameters.get("times", 1)
     if "error" in parameters:
         start = f"raise dbus.exceptions.DBusException('not now', name={parameters['error']!r})"

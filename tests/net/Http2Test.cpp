@@ -7,11 +7,11 @@
 #include "support/TemporaryDirectory.h"
 
 #include <chrono>
+#include <cstdio>
 
-#include <arpa/inet.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
+#include <boost/asio.hpp>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -23,20 +23,9 @@ using platform::UrlOutcome;
 using platform::UrlRequest;
 using platform::UrlSession;
 
-constexpr const char* kServerProgram = "/usr/sbin/nghttpd";
+using Tcp = boost::asio::ip::tcp;
 
-/// A port that nobody listens on.
-std::uint16_t freePort() {
-    const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    ::bind(socket, reinterpret_cast<sockaddr*>(&address), size);
-    ::getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size);
-    ::close(socket);
-    return ntohs(address.sin_port);
-}
+constexpr const char* kServerProgram = "/usr/sbin/nghttpd";
 
 UrlOutcome fetch(const std::string& url, const std::optional<std::filesystem::path>& file = {}) {
     Await<UrlOutcome> end;
@@ -59,10 +48,17 @@ TEST(Http2, ExchangesThatShareAConnectionAreEachWhole) {
     writeContent(folder / "key", certificates->key);
     writeContent(folder / "large", std::string(3'000'000, 'l'));
     for (int i = 0; i < 50; ++i) writeContent(folder / std::to_string(i), "body " + std::to_string(i));
-    const auto port = std::to_string(freePort());
+    // Bound and not listened on, with what the server sets too: it alone can have the port.
+    boost::asio::io_context context;
+    Tcp::socket reserved(context, Tcp::v4());
+    reserved.set_option(Tcp::socket::reuse_address(true));
+    reserved.bind({boost::asio::ip::address_v4::loopback(), 0});
+    const auto port = std::to_string(reserved.local_endpoint().port());
     const Process server([&] {
-        ::execl(kServerProgram, kServerProgram, "--address=127.0.0.1", "--htdocs", folder.path().c_str(),
-                port.c_str(), (folder / "key").c_str(), (folder / "certificate").c_str(), nullptr);
+        if (std::freopen((folder / "journal").c_str(), "w", stdout) == nullptr) return;
+        ::execl(kServerProgram, kServerProgram, "--verbose", "--address=127.0.0.1", "--htdocs",
+                folder.path().c_str(), port.c_str(), (folder / "key").c_str(),
+                (folder / "certificate").c_str(), nullptr);
     });
     const Environment trust("VELMORA_CA_FILE", certificates->authorityFile().c_str());
     const auto base = "https://127.0.0.1:" + port + "/";
@@ -86,6 +82,8 @@ TEST(Http2, ExchangesThatShareAConnectionAreEachWhole) {
     const auto missing = fetch(base + "missing");
     EXPECT_FALSE(missing.error);
     EXPECT_EQ(missing.response->statusCode, 404);
+    EXPECT_THAT(contentOf(folder / "journal"),
+                testing::AllOf(testing::HasSubstr("[id=1]"), testing::Not(testing::HasSubstr("[id=2]"))));
 }
 
 }  // namespace

@@ -60,7 +60,10 @@ TEST(Enquiry, WhoAsksWaitsForAMomentOnly) {
     // Held by the questions too: those still being asked outlive the test.
     const auto end = std::make_shared<std::latch>(1);
     auto least = std::chrono::steady_clock::duration::max();
-    for (int time = 0; time < 5; ++time) {
+    // Two of them may come together in the fifty milliseconds that a caller has. A busy machine lengthens
+    // some, not all of so many.
+    constexpr auto kShort = 25ms;
+    for (int time = 0; time < 100 && least >= kShort; ++time) {
         Enquiry<int> enquiry([end] {
             end->wait();
             return 1;
@@ -69,8 +72,7 @@ TEST(Enquiry, WhoAsksWaitsForAMomentOnly) {
         EXPECT_EQ(enquiry.answer(), std::nullopt);
         least = std::min(least, std::chrono::steady_clock::now() - start);
     }
-    // Two of them may come together in the fifty milliseconds that a caller has.
-    EXPECT_LT(least, 25ms);
+    EXPECT_LT(least, kShort);
     end->count_down();
 }
 
