@@ -1,16 +1,13 @@
 #include "support/Environment.h"
 #include "support/Files.h"
+#include "support/Program.h"
 #include "support/TemporaryDirectory.h"
 
-#include <array>
-#include <cstdio>
 #include <filesystem>
-#include <memory>
 #include <sstream>
 #include <string>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace velmora::test {
 
@@ -35,11 +32,9 @@ struct Identity {
 
 /// What a process of its own says of itself.
 Identity identityOf(const std::string& command) {
-    const std::unique_ptr<std::FILE, decltype(&pclose)> output(popen(command.c_str(), "r"), &pclose);
-    std::array<char, 200> text{};
-    static_cast<void>(std::fread(text.data(), 1, text.size() - 1, output.get()));
     Identity identity;
-    std::istringstream(text.data()) >> identity.device >> identity.advertising;
+    std::istringstream(runProgram({"/bin/sh", "-c", command}).output) >> identity.device >>
+        identity.advertising;
     return identity;
 }
 
@@ -133,9 +128,9 @@ TEST_F(DeviceIdentity, WhatIsKeptForAdvertisingIsReadAsItStandsAndRepairedWhenIt
 TEST_F(DeviceIdentity, WithoutAPlaceToKeepItThereIsNoneForAdvertising) {
     writeContent(home_, "a file");
     const auto game = application("game", "com.example.game");
-    const auto log = folder_ / "log";
-    EXPECT_EQ(identityOf(game + " 2>" + log.string()).advertising, "-");
-    EXPECT_THAT(contentOf(log), HasSubstr("cannot be kept"));
+    const auto ended = runProgram({game});
+    EXPECT_THAT(ended.output, EndsWith("\n-\n"));
+    EXPECT_THAT(ended.errors, HasSubstr("cannot be kept"));
 }
 
 }  // namespace

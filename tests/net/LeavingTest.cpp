@@ -1,12 +1,9 @@
 #include "support/Await.h"
+#include "support/Program.h"
 #include "support/ScriptedServer.h"
 
 #include <chrono>
-#include <cstdlib>
 
-#include <sys/wait.h>
-
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace velmora::test {
@@ -16,11 +13,10 @@ namespace {
 constexpr int kRounds = 10;
 
 /// Ends well, and long before anything in it times out.
-void runLeaver(const std::string& arguments) {
+void runLeaver(std::vector<std::string> words) {
+    words.insert(words.begin(), VELMORA_LEAVER);
     const auto start = std::chrono::steady_clock::now();
-    const int status = std::system((VELMORA_LEAVER " " + arguments).c_str());
-    ASSERT_TRUE(WIFEXITED(status));
-    ASSERT_EQ(WEXITSTATUS(status), 0);
+    ASSERT_EQ(runProgram(words).status, 0);
     ASSERT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
 }
 
@@ -28,7 +24,7 @@ TEST(Leaving, AProgramThatLeavesMainWithTransfersInFlightEndsAtOnceAndWell) {
     const ScriptedServer server([](const SeenRequest&) {
         return Script{.bytes = "HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n12345", .hang = true};
     });
-    for (int round = 0; round < kRounds; ++round) runLeaver(server.url("/"));
+    for (int round = 0; round < kRounds; ++round) runLeaver({server.url("/")});
 }
 
 TEST(Leaving, TransfersThatStartDuringTheExitWorkOfAnApplicationAreWholeAndLaterOnesAreNot) {
@@ -43,7 +39,7 @@ TEST(Leaving, TransfersThatStartDuringTheExitWorkOfAnApplicationAreWholeAndLater
         auto tell = server.url("/left");
         // Another host, so that it does not wait behind the rest.
         tell.replace(tell.find("127.0.0.1"), 9, "localhost");
-        runLeaver(server.url("/") + " " + tell);
+        runLeaver({server.url("/"), tell});
 
         const auto seen = server.seen();
         EXPECT_EQ(seen.size(), 42U);

@@ -13,6 +13,7 @@
 #include "net/VLWebServices.h"
 #include "platform/FileManager.h"
 #include "platform/Json.h"
+#include "support/Application.h"
 #include "support/Await.h"
 #include "support/Environment.h"
 #include "support/Files.h"
@@ -22,11 +23,8 @@
 
 #include <atomic>
 #include <chrono>
-#include <cstdlib>
 
-#include <QCoreApplication>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace velmora::test {
 
@@ -156,20 +154,13 @@ TEST(WebServices, EachOperationHasItsMethodAddressHeadersAndResult) {
 }
 
 TEST(RequestQueue, ItSendsOneAtATimeInOrderAndTriesAFailedOneAgainAfterAMinute) {
-    int argumentCount = 0;
-    QCoreApplication application(argumentCount, nullptr);
+    Application application;
     UseManualClock clock;
     std::atomic<int> failures = 1;
     const ScriptedServer server([&](const SeenRequest& request) {
         const bool fails = request.target == "/2" && failures-- > 0;
         return Script::answer(fails ? 404 : 200, "");
     });
-    const auto until = [](const std::function<bool()>& holds) {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (!holds() && std::chrono::steady_clock::now() < end) {
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
-        }
-    };
     auto stored = std::make_shared<VLRequestQueueImpl>();
     stored->requests.set(makeList<VLCachedRequestItem>({item(server.url("/1"), VLCallBackType::none),
                                                         item(server.url("/2"), VLCallBackType::none),
@@ -178,12 +169,12 @@ TEST(RequestQueue, ItSendsOneAtATimeInOrderAndTriesAFailedOneAgainAfterAMinute) 
 
     const auto queue = VLRequestQueue::sharedRequestQueue();
     queue->addRequest(item(server.url("/never"), VLCallBackType::none));
-    until([&] { return clock->waiting() == 1; });
+    EXPECT_TRUE(application.runUntil([&] { return clock->waiting() == 1; }));
     clock->advance(std::chrono::milliseconds(59'900));
     EXPECT_EQ(clock->waiting(), 1U);
     clock->advance(std::chrono::milliseconds(100));
     EXPECT_EQ(clock->waiting(), 0U);
-    until([&] { return !queue->isSendingLogs; });
+    EXPECT_TRUE(application.runUntil([&] { return !queue->isSendingLogs; }));
     EXPECT_THAT(targets(server), ElementsAre("/1", "/2", "/2", "/3"));
     EXPECT_EQ(VLDefaults::getRequestQueue()->count(), 3U);
 }

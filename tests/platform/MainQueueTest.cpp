@@ -3,6 +3,7 @@
 #include "platform/Clock.h"
 #include "support/Application.h"
 #include "support/LogCapture.h"
+#include "support/ManualClock.h"
 #include "support/Threads.h"
 
 #include <chrono>
@@ -13,7 +14,6 @@
 #include <vector>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace velmora::test {
 
@@ -143,29 +143,16 @@ TEST(Clock, TheRealOneKeepsWorkForAsLongAsItWasAsked) {
 }
 
 TEST(Clock, NowIsRoundedToTheNearestMillisecond) {
-    struct Still final : platform::Clock {
-        std::chrono::system_clock::time_point now() const override {
-            return std::chrono::system_clock::time_point(time);
-        }
-
-        void after(std::chrono::milliseconds, Work) override {}
-
-        std::chrono::nanoseconds time{};
-    };
-
+    UseManualClock clock;
     const std::pair<std::chrono::nanoseconds, std::int64_t> cases[] = {
-        {1'700'000'000'000ms + 499us, 1'700'000'000'000},
-        {1'700'000'000'000ms + 501us, 1'700'000'000'001},
-        {-2ms + 400us, -2},
+        {499us, 1'700'000'000'000},
+        {2us, 1'700'000'000'001},
+        {-1'700'000'000'002ms - 101us, -2},
     };
-    const auto clock = std::make_shared<Still>();
-    platform::Clock::replace(clock);
     for (const auto& [time, milliseconds] : cases) {
-        clock->time = time;
+        clock->advance(time);
         EXPECT_EQ(platform::nowInMilliseconds(), milliseconds);
     }
-    platform::Clock::replace(nullptr);
-    EXPECT_GT(platform::nowInMilliseconds(), 1'700'000'000'000);
 }
 
 }  // namespace

@@ -16,7 +16,7 @@ void ManualClock::after(std::chrono::milliseconds delay, Work work) {
     waiting_.emplace(now_ + std::max(delay, std::chrono::milliseconds(0)), std::move(work));
 }
 
-void ManualClock::advance(std::chrono::milliseconds time) {
+void ManualClock::advance(std::chrono::nanoseconds time) {
     const platform::MutexLock lock(mutex_);
     now_ += time;
     while (!waiting_.empty() && waiting_.begin()->first <= now_) {

@@ -15,7 +15,7 @@ public:
     void after(std::chrono::milliseconds delay, Work work) override;
 
     /// Moves on; delays that end meanwhile give their work to the main queue, in the order of their ends.
-    void advance(std::chrono::milliseconds time);
+    void advance(std::chrono::nanoseconds time);
 
     /// How many delays have not ended.
     [[nodiscard]] std::size_t waiting() const;
