@@ -6,7 +6,6 @@
 #include <filesystem>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -80,18 +79,6 @@ TEST(SandboxProgram, EndsWithItsParentWhenAskedTo) {
     EXPECT_EQ(std::fgets(line.data(), static_cast<int>(line.size()), output), nullptr);
     ::pclose(output);
     EXPECT_EQ(ask({.url = std::string(says.at("inspector").as_string())}).status, 0);
-}
-
-TEST(SandboxProgram, SaysWhatIsWrongWithAnOption) {
-    for (const auto& [options, complaint] :
-         {std::pair("--https-port 70000", "--https-port: Value 70000 not in range 0 to 65535"),
-          std::pair("--expiring-millis 3s", "--expiring-millis: Value 3s not in range"),
-          std::pair("--token-seconds -1", "--token-seconds: Value -1 not in range"),
-          std::pair("--videos /nowhere/at/all", "--videos: Directory does not exist: /nowhere/at/all")}) {
-        Program program(options);
-        EXPECT_THAT(program.line(), testing::HasSubstr(complaint));
-        EXPECT_EQ(program.wait(), 2);
-    }
 }
 
 }  // namespace

