@@ -13,7 +13,6 @@
 #include <map>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace velmora::test {
 

@@ -3,7 +3,6 @@
 #include "support/Environment.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace velmora::test {
 

@@ -13,7 +13,6 @@
 
 #include <boost/asio.hpp>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace velmora::test {
 

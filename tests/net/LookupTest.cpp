@@ -6,7 +6,6 @@
 #include <netdb.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace velmora::test {
 
