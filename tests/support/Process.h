@@ -8,6 +8,7 @@
 #include <optional>
 
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -19,6 +20,9 @@ class Process {
 public:
     explicit Process(const std::function<void()>& body) : id_(::fork()) {
         if (id_ != 0) return;
+        // Else it would outlive a test that dies, and keep the output open for whoever waits for its end.
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        if (::getppid() != parent_) ::_exit(EXIT_FAILURE);
         [&]() noexcept { body(); }();
         std::fflush(stdout);
         ::_exit(testing::Test::HasFailure() ? EXIT_FAILURE : EXIT_SUCCESS);
@@ -50,6 +54,7 @@ private:
         return status;
     }
 
+    const pid_t parent_ = ::getpid();
     pid_t id_;
 };
 
