@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <filesystem>
 #include <functional>
 #include <iostream>
 #include <string>
@@ -30,56 +31,61 @@ struct Call {
 };
 
 TEST(HeldStore, NoCallWaitsForAnotherProcessLongerThanOnce) {
-    // One wait and what a busy machine adds; initialising has three things to write, and each thread has
-    // others before it.
-    constexpr auto kMost = std::chrono::milliseconds(700);
     constexpr int kThreads = 8;
     const Environment server("VELMORA_API_BASE_URL", "http://127.0.0.1:1/v2");
+    const auto file = platform::applicationDataDirectory() / "defaults.sqlite3";
+    std::filesystem::create_directories(file.parent_path());
     LogCapture log;
-    HeldStore held(platform::applicationDataDirectory() / "defaults.sqlite3");
+    // The first keeps readers waiting, too; a connection of ours would keep it from that.
+    HeldStore whole(file, "PRAGMA journal_mode = DELETE; BEGIN EXCLUSIVE");
+    HeldStore writing(file);
 
     const auto none = [](const auto&...) {};
-    const std::array<Call, 6> calls{{
+    const std::array<Call, 7> calls{{
+        {"SQLite alone", [&] { (void)bareWait(file); }},
         {"initializeWithAppKey",
          [] {
              const auto configuration = std::make_shared<VLConfiguration>();
              configuration->setAppUserId("new");
              Velmora::initializeWithAppKey("new", configuration);
          }},
-        {"setDebugMode", [] { Velmora::setDebugMode(true); }},
-        {"isDebugMode", [] { EXPECT_TRUE(Velmora::isDebugMode()); }},
+        {"setDebugMode", [] { Velmora::setDebugMode(false); }},
+        {"isDebugMode", [] { (void)Velmora::isDebugMode(); }},
         {"requestAdForZone", [&] { Velmora::requestAdForZone("zone", none, none, none, none); }},
-        {"getVastUrlForZone",
-         [] {
-             EXPECT_TRUE(VelmoraVAST::getVastUrlForZone("zone", 1, 2).value().find("old") !=
-                         std::string::npos);
-         }},
+        {"getVastUrlForZone", [] { (void)VelmoraVAST::getVastUrlForZone("zone", 1, 2); }},
         {"getVersion", [] { (void)Velmora::getVersion(); }},
     }};
-    Velmora::initializeWithAppKey("old");
-    held.hold();
 
-    std::array<std::array<Milliseconds, calls.size()>, kThreads> took{};
-    {
-        const Threads threads(kThreads, [&](int thread) {
-            for (std::size_t i = 0; i < calls.size(); ++i) {
-                // Each thread begins with another call.
-                const auto call = (i + static_cast<std::size_t>(thread)) % calls.size();
-                const auto start = std::chrono::steady_clock::now();
-                calls[call].make();
-                took[static_cast<std::size_t>(thread)][call] = std::chrono::steady_clock::now() - start;
-            }
-        });
-    }
-    held.letGo();
+    bool isReadable = false;
+    for (auto* const held : {&whole, &writing}) {
+        log.clear();
+        held->hold();
+        std::array<std::array<Milliseconds, calls.size()>, kThreads> took{};
+        {
+            const Threads threads(kThreads, [&](int thread) {
+                for (std::size_t i = 0; i < calls.size(); ++i) {
+                    // Each thread begins with another call.
+                    const auto call = (i + static_cast<std::size_t>(thread)) % calls.size();
+                    const auto start = std::chrono::steady_clock::now();
+                    calls[call].make();
+                    took[static_cast<std::size_t>(thread)][call] = std::chrono::steady_clock::now() - start;
+                }
+            });
+        }
+        const auto url = VelmoraVAST::getVastUrlForZone("zone", 1, 2).value_or("");
+        held->letGo();
 
-    for (std::size_t i = 0; i < calls.size(); ++i) {
-        Milliseconds longest{};
-        for (const auto& thread : took) longest = std::max(longest, thread[i]);
-        std::cout << calls[i].name << " took " << longest.count() << " ms at most\n";
-        EXPECT_LT(longest, kMost) << calls[i].name;
+        EXPECT_TRUE(log.has("locked"));
+        EXPECT_EQ(url.find("old") != std::string::npos, isReadable) << url;
+        std::array<Milliseconds, calls.size()> longest{};
+        for (std::size_t i = 0; i < calls.size(); ++i) {
+            for (const auto& thread : took) longest[i] = std::max(longest[i], thread[i]);
+            std::cout << calls[i].name << " took " << longest[i].count() << " ms at most\n";
+            EXPECT_LT(longest[i], 2 * longest[0]) << calls[i].name;
+        }
+        Velmora::initializeWithAppKey("old");
+        isReadable = true;
     }
-    EXPECT_TRUE(log.has("locked"));
 }
 
 }  // namespace

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "platform/OneWait.h"
 #include "platform/UserDefaults.h"
 
+#include <chrono>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -52,6 +54,19 @@ public:
 private:
     sqlite3* connection_ = nullptr;
 };
+
+/// How long SQLite alone waits in vain for a lock that others keep, where it may wait as long as one call: on
+/// a busy machine both take longer.
+inline std::chrono::nanoseconds bareWait(const std::filesystem::path& file) {
+    sqlite3* connection = nullptr;
+    EXPECT_EQ(sqlite3_open(file.c_str(), &connection), SQLITE_OK);
+    sqlite3_busy_timeout(connection, static_cast<int>(platform::OneWait::kLongest.count()));
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(sqlite3_exec(connection, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_BUSY);
+    const auto took = std::chrono::steady_clock::now() - start;
+    sqlite3_close(connection);
+    return took;
+}
 
 /// The files that were moved aside, without their journals.
 inline std::vector<std::filesystem::path> movedAside(const std::filesystem::path& folder) {
