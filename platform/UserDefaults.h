@@ -67,9 +67,9 @@ public:
 
     /// Makes one of what `changes` reads and writes here, on this thread: the file gets all of it at once, or
     /// none of it when something fails or the process ends in between. Where no transaction can begin,
-    /// `changes` is not called. Other threads and processes wait with their writes until the end, so that
-    /// nothing slow and nothing foreign belongs in there. A transaction inside another is part of it; what
-    /// `changes` throws ends it without a change.
+    /// `changes` is not called. Other threads and processes wait with their writes until the end: to ask the
+    /// disk for a file and to write a line of the log is the slowest that belongs in there. A transaction
+    /// inside another is part of it; what `changes` throws ends it without a change.
     void inOneTransaction(const std::function<void()>& changes);
 
 private:
