@@ -3,6 +3,7 @@
 #include "platform/Log.h"
 #include "platform/OneWait.h"
 
+#include <optional>
 #include <string>
 
 namespace velmora::platform {
@@ -66,9 +67,13 @@ void Database::inOneTransaction(const std::function<void()>& changes) {
 Code Database::attempt(const std::function<void()>& changes) {
     const SharedStoreFile::Turn turn(writing_, OneWait::end());
     if (!turn) return SQLITE_BUSY;
-    const auto begun = turn->perform(
-        OneWait::end(), [](const StoreFile::Opened& opened) { return sqlite::step(opened.begin); });
-    if (begun != SQLITE_OK) return begun;
+    const auto begin = [](const StoreFile::Opened& opened) {
+        // SQLite refuses only the first change, and it is for `changes` to be made whole or not at all.
+        return opened.forReadingOnly ? SQLITE_READONLY : sqlite::step(opened.begin);
+    };
+    auto code = turn->perform(OneWait::end(), begin);
+    if (sqlite::isDamage(code)) code = turn->performMended(OneWait::end(), begin);
+    if (code != SQLITE_OK) return code;
 
     Transaction transaction{*turn};
     transaction_ = &transaction;
@@ -82,7 +87,7 @@ Code Database::attempt(const std::function<void()>& changes) {
     }
     owner_ = std::thread::id();
 
-    auto code = transaction.failure;
+    code = transaction.failure;
     if (code == SQLITE_OK)
         code = turn->performOpen([](const StoreFile::Opened& opened) { return sqlite::step(opened.commit); });
     if (code != SQLITE_OK) turn->rollBack(code);
@@ -93,17 +98,26 @@ Database::Transaction* Database::transaction() const {
     return owner_ == std::this_thread::get_id() ? transaction_ : nullptr;
 }
 
+Code Database::performAlone(SharedStoreFile& shared, const StoreFile::Operation& operation) {
+    const auto end = OneWait::end();
+    const SharedStoreFile::Turn turn(shared, end);
+    if (!turn) return SQLITE_BUSY;
+    const auto code = turn->perform(end, operation);
+    if (!sqlite::isDamage(code)) return code;
+
+    // In this order alone: whoever has the turn to write waits for no reader.
+    std::optional<SharedStoreFile::Turn> writer;
+    if (&shared == &reading_ && !writer.emplace(writing_, end)) return SQLITE_BUSY;
+    return turn->performMended(end, operation);
+}
+
 bool Database::perform(SharedStoreFile& shared, std::string_view what,
                        const StoreFile::Operation& operation) {
     if (auto* const own = transaction()) {
         if (own->failure == SQLITE_OK) own->failure = own->file.performOpen(operation);
         return own->failure == SQLITE_OK;
     }
-    const auto code = [&] {
-        const auto end = OneWait::end();
-        const SharedStoreFile::Turn turn(shared, end);
-        return turn ? turn->perform(end, operation) : SQLITE_BUSY;
-    }();
+    const auto code = performAlone(shared, operation);
     if (code != SQLITE_OK) logFailure(what, code);
     return code == SQLITE_OK;
 }

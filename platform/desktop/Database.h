@@ -47,6 +47,7 @@ private:
     [[nodiscard]] sqlite::Code attempt(const std::function<void()>& changes);
     bool read(const StoreFile::Operation& operation);
     bool write(const StoreFile::Operation& operation);
+    [[nodiscard]] sqlite::Code performAlone(SharedStoreFile& shared, const StoreFile::Operation& operation);
     bool perform(SharedStoreFile& shared, std::string_view what, const StoreFile::Operation& operation);
     void logFailure(std::string_view what, sqlite::Code code) const;
 

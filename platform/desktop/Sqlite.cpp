@@ -15,6 +15,18 @@ struct Ready {
 
 }  // namespace
 
+bool isDamage(Code code) {
+    switch (code & 0xff) {
+    case SQLITE_NOTADB:
+    case SQLITE_CORRUPT:
+    case SQLITE_FORMAT:
+    // The table is not the one that was made here.
+    case SQLITE_ERROR:
+    case SQLITE_SCHEMA: return true;
+    default: return false;
+    }
+}
+
 Code open(const std::string& name, int flags, Connection& connection) {
     sqlite3* opened = nullptr;
     const auto code =

@@ -20,6 +20,9 @@ struct Release {
 using Connection = std::unique_ptr<sqlite3, Release>;
 using Statement = std::unique_ptr<sqlite3_stmt, Release>;
 
+/// Whether the file is no database, or not the one that was made here.
+[[nodiscard]] bool isDamage(Code code);
+
 [[nodiscard]] Code open(const std::string& name, int flags, Connection& connection);
 [[nodiscard]] Code run(const Connection& connection, const char* sql);
 [[nodiscard]] Code prepare(const Connection& connection, const char* sql, Statement& statement);

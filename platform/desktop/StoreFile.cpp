@@ -27,18 +27,6 @@ using Steady = std::chrono::steady_clock;
 constexpr const char* kCreateTable =
     "CREATE TABLE IF NOT EXISTS defaults(key TEXT PRIMARY KEY NOT NULL, value TEXT NOT NULL)";
 
-bool isDamage(Code code) {
-    switch (code & 0xff) {
-    case SQLITE_NOTADB:
-    case SQLITE_CORRUPT:
-    case SQLITE_FORMAT:
-    // The table is not the one that was made here.
-    case SQLITE_ERROR:
-    case SQLITE_SCHEMA: return true;
-    default: return false;
-    }
-}
-
 /// Nothing may be written there, or there is no room for what SQLite shares between processes; neither need
 /// keep it from being read.
 bool mayBeRead(Code code) {
@@ -151,18 +139,23 @@ int salvage(const sqlite::Connection& from, const sqlite::Connection& into) {
 StoreFile::StoreFile(fs::path path) : path_(std::move(path)) {}
 
 Code StoreFile::perform(Time end, const Operation& operation) {
+    return attempt(end, &StoreFile::ensureOpen, operation);
+}
+
+Code StoreFile::performMended(Time end, const Operation& operation) {
+    return attempt(end, &StoreFile::repair, operation);
+}
+
+Code StoreFile::attempt(Time end, Code (StoreFile::*prepare)(), const Operation& operation) {
     end_ = end;
-    const auto attempt = [&](Code (StoreFile::*prepare)()) {
-        try {
-            const auto code = (this->*prepare)();
-            return code == SQLITE_OK ? operation(*opened_) : code;
-        } catch (const std::exception&) {
-            // Only memory can run out on the way.
-            return SQLITE_NOMEM;
-        }
-    };
-    auto code = attempt(&StoreFile::ensureOpen);
-    if (isDamage(code)) code = attempt(&StoreFile::repair);
+    auto code = SQLITE_NOMEM;
+    try {
+        code = (this->*prepare)();
+        if (code == SQLITE_OK) code = operation(*opened_);
+    } catch (const std::exception&) {
+        // Only memory can run out on the way.
+        code = SQLITE_NOMEM;
+    }
     // What kept it from being written may have passed by the next call.
     if (opened_ && opened_->forReadingOnly) opened_.reset();
     return code;
@@ -180,7 +173,7 @@ void StoreFile::rollBack(Code reason) {
     // Some failures have ended the transaction already.
     if (opened_ && sqlite3_get_autocommit(opened_->connection.get()) == 0)
         static_cast<void>(sqlite::run(opened_->connection, "ROLLBACK"));
-    if (!isDamage(reason)) return;
+    if (!sqlite::isDamage(reason)) return;
     try {
         static_cast<void>(repair());
     } catch (const std::exception&) {
@@ -242,10 +235,11 @@ Code StoreFile::open() {
             // Read as it lies, the file alone would show values that its journal has replaced.
             code = SQLITE_OK;
         }
-        opened.forReadingOnly = true;
     }
     if (code != SQLITE_OK) return code;
 
+    // SQLite may have made do with it where it was asked for more.
+    opened.forReadingOnly = sqlite3_db_readonly(opened.connection.get(), "main") == 1;
     opened_ = std::move(opened);
     tried_ = identity();
     return SQLITE_OK;

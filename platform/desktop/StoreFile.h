@@ -12,9 +12,11 @@ namespace velmora::platform {
 
 /// One connection to the SQLite file of a store, which has a row a key; opened at first use and kept open.
 ///
-/// A file that turns out damaged is moved aside, what can be read of it is copied into a new one, and the
-/// operation is tried once more. A file that was moved or deleted by others is opened anew; one that may only
-/// be read is opened for each operation. Not safe to use from two threads at once; nothing throws.
+/// A file that turns out damaged is moved aside, and what can be read of it is copied into a new one. A file
+/// that was moved or deleted by others is opened anew; one that may only be read is opened for each
+/// operation. Not safe to use from two threads at once; nothing throws.
+///
+/// What another process commits to a damaged file while it is moved aside stays in that.
 class StoreFile {
 public:
     using Time = std::chrono::steady_clock::time_point;
@@ -38,6 +40,10 @@ public:
     /// Runs `operation` on the open file, and gives its result. Waits for other processes until `end`.
     [[nodiscard]] sqlite::Code perform(Time end, const Operation& operation);
 
+    /// The same once more, on the file as it is after a repair. No other thread may have a transaction open
+    /// on it: that would be committed to the file that is moved aside.
+    [[nodiscard]] sqlite::Code performMended(Time end, const Operation& operation);
+
     /// The same for a file that has a transaction open, which neither damage nor a change of the file may
     /// take from under it.
     [[nodiscard]] sqlite::Code performOpen(const Operation& operation);
@@ -53,6 +59,8 @@ private:
         bool operator==(const Identity&) const = default;
     };
 
+    [[nodiscard]] sqlite::Code attempt(Time end, sqlite::Code (StoreFile::*prepare)(),
+                                       const Operation& operation);
     [[nodiscard]] sqlite::Code ensureOpen();
     [[nodiscard]] sqlite::Code repair();
     [[nodiscard]] sqlite::Code open();

@@ -1,4 +1,5 @@
 #include "platform/Json.h"
+#include "platform/OneWait.h"
 #include "platform/UserDefaults.h"
 #include "support/Files.h"
 #include "support/FullDisk.h"
@@ -6,8 +7,10 @@
 #include "support/Process.h"
 #include "support/StoreFiles.h"
 #include "support/TemporaryDirectory.h"
+#include "support/Threads.h"
 
 #include <algorithm>
+#include <fstream>
 #include <list>
 #include <random>
 
@@ -114,6 +117,28 @@ TEST_F(DamagedStoreTest, WhatCanBeReadOfADamagedFileIsCarriedOver) {
     EXPECT_EQ(UserDefaults(file_).stringForKey(numbered(kValues / 2)), "works");
 }
 
+TEST_F(DamagedStoreTest, AReaderThatFindsDamageTakesNoFileFromUnderATransaction) {
+    constexpr int kValues = 200;
+    fill(file_, kValues);
+    UserDefaults defaults(file_);
+    const auto readAll = [&] {
+        for (int i = 0; i < kValues; ++i) (void)defaults.stringForKey(numbered(i));
+    };
+    defaults.inOneTransaction([&] {
+        defaults.setObject("kept", "late");
+        std::fstream(file_).seekp(static_cast<std::streamoff>(fs::file_size(file_) / 2 / 4096 * 4096))
+            << std::string(4096, '\xAA');
+        const Threads reader(1, [&](int) {
+            const platform::OneWait wait;
+            readAll();
+        });
+    });
+    EXPECT_THAT(movedAside(folder_.path()), IsEmpty());
+    readAll();
+    EXPECT_THAT(movedAside(folder_.path()), SizeIs(1));
+    EXPECT_EQ(Stranger(file_).valueOf("late"), R"("kept")");
+}
+
 TEST_F(DamagedStoreTest, ProcessesThatFindTheDamageAtOnceMendItOnce) {
     for (int round = 0; round < 10; ++round) {
         const TemporaryDirectory folder;
@@ -188,7 +213,8 @@ TEST_F(DamagedStoreTest, ValuesStayReadableWhereNothingMayBeWritten) {
             log_.clear();
             defaults.setObject("newest", "key");
             defaults.removeObjectForKey("key");
-            EXPECT_THAT(log_.lines(), SizeIs(2));
+            defaults.inOneTransaction([] { ADD_FAILURE() << "called without a transaction"; });
+            EXPECT_THAT(log_.lines(), SizeIs(3));
             EXPECT_TRUE(log_.has("cannot be written"));
             EXPECT_EQ(defaults.stringForKey("key"), expected);
         });
