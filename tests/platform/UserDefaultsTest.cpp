@@ -272,6 +272,15 @@ TEST_F(UserDefaultsTest, ATransactionIsStoredWholeOrNotAtAll) {
              });
          },
          false, 1},
+        {"with a change that the file refuses",
+         [&] {
+             Stranger stranger(file_);
+             stranger.run("CREATE TRIGGER kept BEFORE DELETE ON defaults "
+                          "BEGIN SELECT RAISE(ABORT, ''); END");
+             defaults.inOneTransaction(change);
+             stranger.run("DROP TRIGGER kept");
+         },
+         false, 1},
         {"in a process that is killed",
          [&] {
              start.write(1);
