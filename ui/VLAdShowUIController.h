@@ -78,7 +78,8 @@ public:
     void updateSuggestionState();
     /// Those of the store, as they were when they were loaded or last changed from here.
     [[nodiscard]] std::shared_ptr<VLFinalStatesModel> getFinalStates();
-    /// Puts what has passed of the ad into the store, where its list still has this suggestion.
+    /// Puts into the store that the ad is being shown and what has passed of it, where the list there still
+    /// has this suggestion.
     void saveFinalStates();
 
     /// Calls each URL of a list of trackers, in its order. One for each event, by its name.

@@ -32,7 +32,6 @@ using Show = VLAdShowUIController;
 
 /// What is sent when something happens.
 struct Event {
-    Show::VastReports* send;
     const Property& (Data::*trackers)() const;
     AtomicProperty<Property> Data::*isReported = nullptr;  ///< null for what is sent every time
     bool countsWithoutTrackers = false;                    ///< reported even though there is no list
@@ -43,30 +42,24 @@ constexpr struct {
     std::optional<float> from;  ///< absent for the first tick, wherever it is
     Event event;
 } kOfTicks[] = {
-    {std::nullopt, {Show::sendStartVastReports, &Data::getStartTrackerUrls, &Data::isStartTrackerReported}},
-    {0.25F,
-     {Show::sendFirstQuartileVastReports, &Data::getFirstQuartileTrackerUrls,
-      &Data::isFirstQuartileTrackerReported}},
-    {0.5F, {Show::sendMidPointVastReports, &Data::getMidpointTrackerUrls, &Data::isMidpointReported}},
-    {0.75F,
-     {Show::sendThirdQuartileVastReports, &Data::getThirdQuartileTrackerUrls,
-      &Data::isThirdQuartileTrackerReported}},
+    {std::nullopt, {&Data::getStartTrackerUrls, &Data::isStartTrackerReported}},
+    {0.25F, {&Data::getFirstQuartileTrackerUrls, &Data::isFirstQuartileTrackerReported}},
+    {0.5F, {&Data::getMidpointTrackerUrls, &Data::isMidpointReported}},
+    {0.75F, {&Data::getThirdQuartileTrackerUrls, &Data::isThirdQuartileTrackerReported}},
 };
 
-constexpr Event kComplete{Show::sendCompleteVastReports, &Data::getCompleteTrackerUrls,
-                          &Data::isCompleteTrackerReported, true};
-constexpr Event kSkip{Show::sendSkipVastReports, &Data::getSkipTrackerUrls, &Data::isSkipTrackerReported,
-                      true};
-constexpr Event kMute{Show::sendMutedVastReports, &Data::getMuteTrackerUrls};
-constexpr Event kUnmute{Show::sendUnmutedVastReports, &Data::getUnmuteTrackerUrls};
+constexpr Event kComplete{&Data::getCompleteTrackerUrls, &Data::isCompleteTrackerReported, true};
+constexpr Event kSkip{&Data::getSkipTrackerUrls, &Data::isSkipTrackerReported, true};
+constexpr Event kMute{&Data::getMuteTrackerUrls};
+constexpr Event kUnmute{&Data::getUnmuteTrackerUrls};
 
 void report(const std::shared_ptr<Data>& data, const Event& event) {
     if (!data) return;
     const auto& trackers = ((*data).*event.trackers)();
-    if (event.isReported == nullptr) return event.send(trackers);
+    if (event.isReported == nullptr) return Show::sendVastReports(trackers);
     auto& isReported = (*data).*event.isReported;
     if (platform::asBool(isReported.get()) || (!trackers && !event.countsWithoutTrackers)) return;
-    event.send(trackers);
+    Show::sendVastReports(trackers);
     isReported.set(Property(true));
 }
 
@@ -102,6 +95,8 @@ std::shared_ptr<VLFinalStatesModel> VLAdShowUIController::getFinalStates() {
 void VLAdShowUIController::saveFinalStates() {
     if (!ad || !passedDuration_) return;
     changeFinalStates([&](VLFinalStatesModel& states) {
+        // The store may have been held when the show began.
+        states.updateDoingSuggestion(ad->getSuggestionId());
         states.updateSuggestionExtraInfo(ad->getSuggestionId(), kPassedDuration, Property(*passedDuration_));
     });
 }

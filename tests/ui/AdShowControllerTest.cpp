@@ -125,7 +125,7 @@ TEST_F(AdShow, AnAnswerThatComesDuringAShowKeepsItsList) {
     tick({1});
     setStates({"new", "s"});
     tick({2});
-    EXPECT_EQ(states(), "new=2 s=2/0");
+    EXPECT_EQ(states(), "new=2 s=3/0");
     setStates({"newer"});
     tick({8});
     EXPECT_EQ(states(), "newer=2");
@@ -147,7 +147,7 @@ TEST_F(AdShow, WhatHasPassedIsKeptInTheListThatIsThereAtTheEnd) {
         tick({0});
         setStates({"s", "new"});
         end();
-        EXPECT_EQ(states(), "s=2/0 new=2");
+        EXPECT_EQ(states(), "s=3/0 new=2");
     }
     // Of a video that was seen whole all is said with its end.
     show(video());
