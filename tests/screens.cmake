@@ -73,7 +73,7 @@ set_tests_properties(device.OnAPhone PROPERTIES ENVIRONMENT
     "QT_QPA_PLATFORM=offscreen:configfile=${CMAKE_CURRENT_SOURCE_DIR}/device/phone.json")
 
 # Pictures to look at, of what only an eye can judge.
-foreach(program screenshots playerscreenshots)
+foreach(program screenshots)
     add_executable(${program} ui/${program}.cpp)
     target_link_libraries(${program} PRIVATE velmora_objects velmora_compiler Qt6::Widgets)
     target_include_directories(${program} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
