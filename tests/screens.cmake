@@ -71,12 +71,3 @@ file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/device.velmora.json
 add_test(NAME device.OnAPhone COMMAND device --gtest_filter=UserInfo.WithoutAnyService*)
 set_tests_properties(device.OnAPhone PROPERTIES ENVIRONMENT
     "QT_QPA_PLATFORM=offscreen:configfile=${CMAKE_CURRENT_SOURCE_DIR}/device/phone.json")
-
-# Pictures to look at, of what only an eye can judge.
-foreach(program screenshots)
-    add_executable(${program} ui/${program}.cpp)
-    target_link_libraries(${program} PRIVATE velmora_objects velmora_compiler Qt6::Widgets)
-    target_include_directories(${program} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
-    target_compile_definitions(${program} PRIVATE VELMORA_RESOURCES="${VELMORA_RESOURCES}")
-    add_dependencies(${program} velmora_resources)
-endforeach()

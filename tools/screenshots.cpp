@@ -1,5 +1,4 @@
 #include "ui/Label.h"
-#include "ui/Picture.h"
 #include "ui/Placement.h"
 #include "ui/VLActivityIndicatorView.h"
 #include "ui/VLRGBAColor.h"
@@ -16,7 +15,7 @@
 
 // Draws what the library draws itself into PNG files in the folder given, for a plain screen and a dense one.
 
-namespace velmora::test {
+namespace velmora {
 
 namespace {
 
@@ -102,9 +101,16 @@ void addViews(Sheet& sheet) {
     dark->startAnimating();
 }
 
+bool save(Sheet& sheet, int ratio, const QString& file) {
+    QImage image(sheet.size() * ratio, QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(ratio);
+    sheet.render(&image);
+    return image.save(file);
+}
+
 }  // namespace
 
-}  // namespace velmora::test
+}  // namespace velmora
 
 int main(int count, char** arguments) {
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
@@ -115,13 +121,13 @@ int main(int count, char** arguments) {
         return EXIT_FAILURE;
     }
     QDir().mkpath(arguments[1]);
-    velmora::test::Sheet sheet;
-    velmora::test::addTexts(sheet);
-    velmora::test::addViews(sheet);
+    velmora::Sheet sheet;
+    velmora::addTexts(sheet);
+    velmora::addViews(sheet);
     sheet.show();
     for (const int ratio : {1, 3}) {
         const auto file = QStringLiteral("%1/views@%2x.png").arg(arguments[1]).arg(ratio);
-        if (!velmora::test::drawn(sheet, ratio).save(file)) return EXIT_FAILURE;
+        if (!velmora::save(sheet, ratio, file)) return EXIT_FAILURE;
         std::puts(qPrintable(file));
     }
     return EXIT_SUCCESS;
