@@ -57,13 +57,6 @@ TEST(Label, PersianLettersAreJoined) {
     EXPECT_LT(width("بببب"), 0.8 * 4 * width("ب"));
 }
 
-TEST(Label, ATextThatRunsFromTheRightEndsAtTheLeft) {
-    const auto before = inkBounds(label(kGreeting, usual()));
-    const auto after = inkBounds(label(kGreeting + "...", usual()));
-    EXPECT_NEAR(after.right(), before.right(), 1);
-    EXPECT_LT(after.left(), before.left() - 3);
-}
-
 TEST(Label, ATextWithoutRoomIsCutWhereItsModeSays) {
     const auto tail = shown(kLong, LineBreakMode::byTruncatingTail);
     EXPECT_TRUE(tail.endsWith(kEllipsis));

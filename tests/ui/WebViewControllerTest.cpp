@@ -14,7 +14,6 @@
 #include <QApplication>
 #include <QWidget>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace velmora::test {
 
