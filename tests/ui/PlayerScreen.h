@@ -5,16 +5,11 @@
 #include "support/ManualClock.h"
 #include "support/ScriptedPlayer.h"
 #include "ui/ImageButton.h"
+#include "ui/Told.h"
 #include "ui/VLAVPlayerViewController.h"
-#include "ui/VLAVPlayerViewControllerDelegate.h"
 #include <velmora/VLAdShowOptions.h>
 
-#include <functional>
 #include <memory>
-#include <optional>
-#include <sstream>
-#include <string>
-#include <vector>
 
 #include <QApplication>
 #include <QTest>
@@ -23,40 +18,6 @@
 namespace velmora::test {
 
 inline constexpr auto kUrl = "https://media.example/ad.mp4";
-
-/// Writes down what it is told, in its order.
-class Told final : public VLAVPlayerViewControllerDelegate {
-public:
-    using Url = std::optional<std::string>;
-
-    void vlAVPlayerViewControllerDidReachEndOfVideoWithUrl(VLAVPlayerViewController&,
-                                                           const Url& url) override {
-        note("end " + url.value_or("-"));
-    }
-    void vlAVPlayerViewControllerCouldNotLoadVideoWithUrl(VLAVPlayerViewController&,
-                                                          const Url& url) override {
-        note("failed " + url.value_or("-"));
-    }
-    void vlAVPlayerViewControllerWillBeDismissedAfterFinishingVideoPlayback() override { note("will go"); }
-    void vlOnAVPlayerDismissed(bool finished) override { note(finished ? "gone yes" : "gone no"); }
-    void vlOnVideoMuted() override { note("muted"); }
-    void vlOnVideoUnmuted() override { note("unmuted"); }
-    void vlOnVideoSkipped() override { note("skipped"); }
-    void vlOnProgressUpdated(float progress, float currentTime) override {
-        std::ostringstream text;
-        text << "progress " << progress << " at " << currentTime;
-        note(text.str());
-    }
-
-    std::function<void(const std::string&)> onCall;
-    std::vector<std::string> calls;
-
-private:
-    void note(const std::string& call) {
-        calls.push_back(call);
-        if (onCall) onCall(call);
-    }
-};
 
 /// The player's screen over a window of the application, with a scripted player and a clock of its own.
 class PlayerController : public testing::Test {
