@@ -8,9 +8,7 @@
 #include "support/ManualClock.h"
 #include "support/Records.h"
 #include "support/TemporaryDirectory.h"
-#include "support/Threads.h"
 
-#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
@@ -217,32 +215,6 @@ TEST_F(AdHandle, ShowOptionsHaveDefaultsAndForgetUnknownOrientations) {
     options.setBackDisabled(false);
     options.setShowDialoged(true);
     EXPECT_TRUE(!options.getBackDisabled() && options.getShowDialoged());
-}
-
-TEST_F(AdHandle, AHandleAndItsOptionsMayBeUsedByThreadsAtOnce) {
-    const auto ad = read<VelmoraAd>(R"({"mAd": {"suggestionId": "a", "creative": {"ctaType": 1}}})");
-    const auto other = read<VLAdSuggestion>(R"({"suggestionId": "b", "creative": {"ctaType": 2}})");
-    const auto options = std::make_shared<VLAdRequestOptions>();
-    VLAdShowOptions showOptions;
-    const auto use = [&](int thread) {
-        const std::string zone(100, static_cast<char>('a' + thread));
-        for (int round = 0; round < 100; ++round) {
-            ad->state().setAd(other);
-            ad->state().setZoneId(zone);
-            ad->state().setVideoFilePath(zone);
-            ad->state().setCacheTime(round);
-            ad->state().setAdRequestOptions(options);
-            options->setCacheType(round);
-            showOptions.setOrientation(round);
-            EXPECT_EQ(ad->getId(), "b");
-            EXPECT_EQ(ad->getZoneId()->size(), zone.size());
-            EXPECT_TRUE(ad->isValid());
-            EXPECT_GE(showOptions.getOrientation(), 1);
-        }
-    };
-    { const Threads threads(4, use); }
-
-    EXPECT_EQ(ad->getRequestOptions()->getCacheTypeNumber(), 99);
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "core/LogFormat.h"
 
 #include "core/VLLog.h"
-#include "support/LogCapture.h"
 
 #include <limits>
 #include <optional>
@@ -124,20 +123,6 @@ TEST(LogFormat, AbsurdFormatsAndLongTextsAreHarmless) {
     }
     EXPECT_EQ(formatLogLine("%.999999999f", {std::numeric_limits<double>::max()}).size(), 309U + 1U + 1000U);
     EXPECT_EQ(formatLogLine("%" + std::string(100'000, '-') + "d", {7}), "7");
-}
-
-TEST(Log, ALineTakesOptionalTextsPropertiesAndValues) {
-    VLLogger::setShallLog(true);
-    const LogCapture log;
-    VLLog("plain %");
-    VLLog("%@ %@", std::optional<std::string>("text"), std::optional<std::string>());
-    VLLog("%@ %@ %@", platform::Property(Value{1, "a"}), platform::Property(),
-          platform::Property(Value(nullptr)));
-    VLLog("%@ %s", Value(2.5), Value("text"));
-    VLLog("%li", std::int64_t{5});
-
-    EXPECT_EQ(log.lines(), (std::vector<std::string>{"plain %", "text (null)", R"([1,"a"] (null) <null>)",
-                                                     "2.5 text", "5"}));
 }
 
 }  // namespace

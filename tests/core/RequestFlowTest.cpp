@@ -22,7 +22,6 @@
 #include <thread>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace velmora::test {
 
@@ -252,6 +251,7 @@ TEST_F(RequestFlow, AVideoThatCannotBeWrittenIsOfferedWithAPathToNoFile) {
     const auto heard = request(options(1));
     std::filesystem::remove(documents);
 
+    EXPECT_TRUE(log_.has(documents.string()));
     EXPECT_EQ(heard.what, "available a");
     EXPECT_EQ(heard.ad->getVideoFilePath(), documents / "v");
     EXPECT_TRUE(heard.ad->isFileRemoved());
@@ -304,7 +304,10 @@ TEST_F(RequestFlow, EachRequestCarriesTheStatesOfTheAnswerBeforeIt) {
     request();
     answer_ = Script::answer(200, answer(""));
     request(nullptr, "");
+    EXPECT_TRUE(log_.has("Empty zoneId replaced with nil"));
+    log_.clear();
     request(nullptr, std::nullopt);
+    EXPECT_FALSE(log_.has("Empty zoneId replaced with nil"));
     const auto seen = asked();
     ASSERT_EQ(seen.size(), 4U);
     const auto state = [](const std::string& id) {

@@ -10,6 +10,8 @@
 #include "support/Threads.h"
 #include "tools/UserInfoGate.h"
 
+#include <velmora/velmora.h>
+
 #include <gtest/gtest.h>
 
 namespace velmora::test {
@@ -22,14 +24,25 @@ TEST(SharedRecords, AHandleIsStoredWhileItsShowSetsFlags) {
     const LogCapture quiet;
     platform::UserDefaults::standard().removeObjectForKey("cachedAds");
     const auto ad = read<VelmoraAd>(R"({"mAd": {"suggestionId": "a", "creative": {"ctaType": 1}}})");
+    const auto options = std::make_shared<VLAdRequestOptions>();
+    ad->state().setAdRequestOptions(options);
+    VLAdShowOptions showOptions;
     {
         const Threads threads(2, [&](int thread) {
             for (int round = 0; round < 20; ++round) {
                 if (thread == 0) {
                     VLDefaults::cacheNewAd(ad);
+                    EXPECT_TRUE(ad->isValid());
+                    EXPECT_GE(showOptions.getOrientation(), 1);
                     continue;
                 }
                 const auto suggestion = ad->state().mAd.get();
+                ad->state().setAd(suggestion);
+                ad->state().setZoneId(std::string(100, 'z'));
+                ad->state().setCacheTime(round);
+                ad->state().setAdRequestOptions(options);
+                options->setCacheType(2);
+                showOptions.setOrientation(round);
                 suggestion->filledReported.set(Property(round % 2 == 0));
                 suggestion->reportAdIsFilled();
                 suggestion->reportAdIsDoing();

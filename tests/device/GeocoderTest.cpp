@@ -12,7 +12,6 @@
 #include <thread>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace velmora::test {
 
@@ -21,7 +20,6 @@ namespace {
 using platform::Geocoder;
 using platform::Location;
 using platform::Placemark;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Optional;
 
@@ -57,29 +55,6 @@ protected:
 
     Application application_;
 };
-
-TEST_F(GeocoderAnswer, ThePlaceIsReadByOneTable) {
-    const auto outcome =
-        askFor(R"({"name": "The Shed", "display_name": "1, Quay , Port, 77, Isle", "address": {
-        "road": "Quay", "city": "Port", "town": "Not this", "county": "Shire", "state": "North", "postcode": "77",
-        "country": "Isle", "country_code": "ie", "ocean": "Cold Ocean", "water": "Round Pond"}})");
-    ASSERT_EQ(outcome.error, std::nullopt);
-    ASSERT_EQ(outcome.placemarks.size(), 1U);
-    const auto& place = outcome.placemarks.front();
-    EXPECT_THAT(place.formattedAddressLines, Optional(ElementsAre("1", "Quay", "Port", "77", "Isle")));
-    EXPECT_EQ(place.locality, "Port");
-    EXPECT_EQ(place.country, "Isle");
-    EXPECT_EQ(place.isoCountryCode, "IE");
-    EXPECT_EQ(place.name, "The Shed");
-    EXPECT_EQ(place.ocean, "Cold Ocean");
-    EXPECT_EQ(place.postalCode, "77");
-    EXPECT_EQ(place.administrativeArea, "North");
-    EXPECT_EQ(place.subAdministrativeArea, "Shire");
-    EXPECT_EQ(place.inlandWater, "Round Pond");
-    ASSERT_TRUE(place.location);
-    EXPECT_EQ(place.location->latitude, kLocation.latitude);
-    EXPECT_EQ(place.location->verticalAccuracy, kLocation.verticalAccuracy);
-}
 
 TEST_F(GeocoderAnswer, WhatIsMissingEmptyOrOfAnotherKindIsAbsent) {
     const auto outcome = askFor(
@@ -170,14 +145,6 @@ TEST_F(GeocoderAnswer, NobodyIsAskedWhereNoneIsSetOrThePositionCouldBeReadOnTheW
     const Environment plain("VELMORA_GEOCODER_URL", "http://geocoder.example");
     EXPECT_THAT(ask().error, Optional(HasSubstr("-1022")));
     EXPECT_TRUE(log.has("Refused to send a request over http"));
-}
-
-TEST_F(GeocoderAnswer, WhatACompletionThrowsIsLogged) {
-    const LogCapture log;
-    const Environment none("VELMORA_GEOCODER_URL", nullptr);
-    Geocoder::reverseGeocodeLocation(kLocation,
-                                     [](const auto&, const auto&) { throw std::runtime_error("no use"); });
-    EXPECT_TRUE(application_.runUntil([&] { return log.has("no use"); }));
 }
 
 }  // namespace

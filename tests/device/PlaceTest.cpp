@@ -8,7 +8,6 @@
 #include "support/ScriptedServer.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace velmora::test {
 
@@ -18,7 +17,7 @@ using platform::Location;
 using testing::HasSubstr;
 
 constexpr const char* kWholePlace =
-    R"({"name": "n", "display_name": "l1, l2", "address": {"city": "c", "county": "sa",
+    R"({"name": "n", "display_name": "l1 , l2", "address": {"city": "c", "town": "t", "county": "sa",
     "state": "a", "postcode": "p", "country": "co", "country_code": "cc", "ocean": "o", "water": "w"}})";
 constexpr const char* kPlaceOnLand =
     R"({"name": "n2", "display_name": "l3", "address": {"city": "c2", "county": "sa2",

@@ -7,9 +7,9 @@
 #include "sandbox/Sandbox.h"
 #include "support/Environment.h"
 #include "support/EventLoop.h"
+#include "support/Program.h"
 #include "support/Records.h"
 #include "support/SystemServices.h"
-#include "support/Threads.h"
 #include "tools/UserInfoGate.h"
 
 #include <chrono>
@@ -17,7 +17,6 @@
 #include <QGuiApplication>
 #include <QScreen>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace velmora::test {
 
@@ -91,20 +90,11 @@ TEST_F(UserInfo, WithAllServicesItHasTheCarrierAndThePlaceToo) {
     EXPECT_EQ(location.at("horizontalAccuracy"), 12.5);
 }
 
-TEST_F(UserInfo, OneFixIsTakenOfAServiceThatTellsMore) {
-    const sandbox::Sandbox service;
-    const Environment geocoder("VELMORA_GEOCODER_URL", service.geocoderUrl().c_str());
-    const SystemServices services(R"({"geoclue": {"times": 3}})");
-    ASSERT_TRUE(runUntil(&LocationManager::locationServicesEnabled, 5s));
-    const auto info = VLUserExtraInfoModel::getInstance();
-    ASSERT_TRUE(runUntil([&] { return service.await("geocoder", 1, 0ms); }));
-    EXPECT_FALSE(runUntil([&] { return service.await("geocoder", 2, 0ms); }, 300ms));
-}
-
 TEST_F(UserInfo, EachGetLocationTakesOneFixAndOverwritesThePlace) {
     const sandbox::Sandbox service;
     const Environment geocoder("VELMORA_GEOCODER_URL", service.geocoderUrl().c_str());
-    const SystemServices services(R"({"geoclue": {"location": {"Latitude": 47.5, "Longitude": -45.5}}})");
+    const SystemServices services(
+        R"({"geoclue": {"location": {"Latitude": 47.5, "Longitude": -45.5}, "times": 3}})");
     ASSERT_TRUE(runUntil(&LocationManager::locationServicesEnabled, 5s));
     const auto place = std::make_shared<GeoInfoLocationIOS>();
     for (const std::size_t questions : {1U, 2U}) {
@@ -139,26 +129,12 @@ TEST_F(UserInfo, ThePlaceIsLeftOutOnceItIsRefused) {
     EXPECT_EQ(VLUserExtraInfoModel::getInstance()->geoInfo, nullptr);
 }
 
-TEST_F(UserInfo, ServicesThatAreLateKeepNoThreadWaiting) {
-    const SystemServices services(R"({"modemmanager": {"late": 3}, "geoclue": {"late": 3}})");
-    const auto start = std::chrono::steady_clock::now();
-    {
-        const Threads threads(4, [](int) {
-            for (int time = 0; time < 5; ++time) EXPECT_NE(VLUserExtraInfoModel::getInstance(), nullptr);
-        });
-    }
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 1500ms);
-}
-
 /// Runs the program that looks for the device's facts and for its place, as long as it takes or for a while.
 void lookForFacts(const std::string& services) {
     const SystemServices running(services);
-    QProcess program;
-    program.start(VELMORA_FACTS, {"1500"});
-    EXPECT_TRUE(program.waitForFinished(20'000));
-    EXPECT_EQ(program.exitStatus(), QProcess::NormalExit) << services;
-    EXPECT_EQ(program.exitCode(), 0) << services;
-    EXPECT_TRUE(program.readAllStandardOutput().contains("\"geoInfo\":{\"geoInfoLocation\":{}}")) << services;
+    const auto ended = runProgram({VELMORA_FACTS, "1500"});
+    EXPECT_EQ(ended.status, 0) << services;
+    EXPECT_THAT(ended.output, testing::HasSubstr(R"("geoInfo":{"geoInfoLocation":{}})")) << services;
 }
 
 TEST(Facts, AProcessThatWaitsForItsPlaceLeavesInPeace) {

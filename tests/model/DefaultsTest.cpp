@@ -240,22 +240,6 @@ TEST_F(Defaults, RemovingAnAdRemovesAllOfItsIdAndAllThatAreInvalid) {
     EXPECT_EQ(cachedIds(), (std::vector<std::string>{"b", "none"}));
 }
 
-TEST_F(Defaults, ADamagedRecordIsPartlyFilled) {
-    store().setObject(valueOf(R"({"cachedVelmoraAds": [5, {"zoneId": 7, "cacheTime": "12 ms", "mAd": "text",
-        "requestOptions": [1]}, null, {"zoneId": "z", "isShown": {}}], "other": []})"),
-                      "cachedAds");
-    const auto ads = *VLDefaults::getCachedAds()->cachedVelmoraAds.get();
-
-    ASSERT_EQ(ads.size(), 4U);
-    EXPECT_EQ(ads[0]->getId(), "3353fkad");
-    EXPECT_EQ(ads[1]->getZoneId(), std::nullopt);
-    EXPECT_EQ(ads[1]->getCacheTime(), 12);
-    EXPECT_EQ(ads[1]->getId(), std::nullopt);
-    EXPECT_EQ(ads[1]->getRequestOptions()->getCacheType(), 2);
-    EXPECT_EQ(ads[3]->getId(), "3353fkad_z");
-    EXPECT_FALSE(ads[3]->isAdShown());
-}
-
 TEST_F(Defaults, WhatIsNotTheExpectedRecordIsNotWrittenOver) {
     const UseManualClock clock;
     const std::function<void()> changes[] = {

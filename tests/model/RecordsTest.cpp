@@ -33,29 +33,16 @@ TEST(Records, TrackingDataKeepsEachListAtItsEvent) {
     EXPECT_EQ(output.at("progressTrackingUrls"), valueOf(R"([{"first": "50%"}])"));
 }
 
-TEST(Records, ACreativeKeepsWhatItIsMadeOf) {
-    const VLDirectCreativeModel full(
+TEST(Records, WhatARecordIsMadeOfStandsInItsPlace) {
+    const VLDirectCreativeModel creative(
         2, "https://c", read<VLActionModel>(R"({"type": 1})"),
         read<VLSkipStarPercentageModel>(R"({"type": 3})"),
-        makeList<VLVibrationPattern>({std::make_shared<VLVibrationPattern>(0.5, std::nullopt)}),
-        read<VLVastTrackingData>("{}"));
-
-    EXPECT_EQ(written(full),
-              Value({{"ctaType", 2},
-                     {"ctaUrl", "https://c"},
-                     {"action", {{"type", 1}}},
-                     {"skipStartPercentage", {{"type", 3}}},
-                     {"vibrationPatterns", valueOf(R"([{"vibrationStartMomentInSeconds": 0.5}])")},
-                     {"vastTrackingData", written(VLVastTrackingData())}}));
-    EXPECT_EQ(written(VLDirectCreativeModel(0, std::nullopt, nullptr, nullptr, nullptr, nullptr)),
-              valueOf(R"({"ctaType": 0, "vibrationPatterns": []})"));
-}
-
-TEST(Records, SmallRecordsKeepWhatTheyAreMadeOf) {
+        makeList<VLVibrationPattern>({std::make_shared<VLVibrationPattern>(0.5, std::nullopt)}), nullptr);
+    EXPECT_EQ(written(creative), valueOf(R"({"ctaType": 2, "ctaUrl": "https://c", "action": {"type": 1},
+        "skipStartPercentage": {"type": 3}, "vibrationPatterns": [{"vibrationStartMomentInSeconds": 0.5}]})"));
     EXPECT_EQ(written(VLTrackerModel(4, "app://a")), valueOf(R"({"type": 4, "customAppUrl": "app://a"})"));
     EXPECT_EQ(written(VLAdSuggestionFinalState(Value("s"), VLFinalState::initial, Value(Dictionary()))),
               valueOf(R"({"suggestionId": "s", "state": 2, "extraInfo": {}})"));
-    EXPECT_EQ(VLTokenResponse().getToken(), std::nullopt);
 }
 
 TEST(Records, TheTypeOfACreativeSettlesWhatItIsAndWhetherItIsSupported) {
@@ -88,19 +75,8 @@ TEST(Records, TheTypeOfACreativeSettlesWhatItIsAndWhetherItIsSupported) {
         EXPECT_EQ(creative->getCreativeTypeEnum(), one.type) << one.creative;
         EXPECT_EQ(creative->getCtaType(), one.type) << one.creative;
         EXPECT_EQ(creative->isSupported(), one.supported) << one.creative;
-
-        VLAdSuggestion suggestion;
-        suggestion.creative = creative;
-        EXPECT_EQ(suggestion.isVideoAd(), one.type == rewardedVideo || one.type == video) << one.creative;
-        EXPECT_EQ(suggestion.isRewardedAd(), one.type == rewardedVideo) << one.creative;
-        EXPECT_EQ(suggestion.isBannerAd(), one.type == banner) << one.creative;
     }
     EXPECT_EQ(static_cast<int>(unknown), 800);
-}
-
-TEST(Records, ASuggestionWithoutACreativeIsOfNoKind) {
-    const auto suggestion = read<VLAdSuggestion>("{}");
-    EXPECT_FALSE(suggestion->isVideoAd() || suggestion->isRewardedAd() || suggestion->isBannerAd());
 }
 
 TEST(Records, ARequestForARewardHasDoneSuggestionsOnlyWhenAListIsGiven) {

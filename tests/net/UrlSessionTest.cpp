@@ -3,19 +3,17 @@
 #include "net/VLRequestHeaders.h"
 #include "platform/Reachability.h"
 #include "support/Await.h"
+#include "support/Files.h"
 #include "support/LogCapture.h"
 #include "support/ScriptedServer.h"
 #include "support/TemporaryDirectory.h"
 
 #include <atomic>
 #include <cstdlib>
-#include <fstream>
 #include <random>
 #include <stdexcept>
-#include <thread>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace velmora::test {
 
@@ -45,11 +43,6 @@ UrlOutcome fetch(const UrlRequest& request) {
 
 std::string raw(const std::string& headers, const std::string& body) {
     return "HTTP/1.1 200 OK\r\n" + headers + "\r\n" + body;
-}
-
-std::string contentOf(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 /// What a server can do to a client, by the path that is asked for.
@@ -167,38 +160,37 @@ TEST_F(UrlSessionTest, ACancelledTaskCompletesOnceAsCancelledWheneverItComes) {
     EXPECT_EQ(ends->values().size(), 3U);
 }
 
-TEST_F(UrlSessionTest, AThousandRequestsShareAtMostEightConnectionsAndOneSerialQueue) {
+TEST_F(UrlSessionTest, AThousandRequestsShareAtMostEightConnections) {
     const auto ends = std::make_shared<Await<bool>>();
-    const auto running = std::make_shared<std::atomic<int>>(0);
     for (int i = 0; i < 1000; ++i) {
         UrlSession::shared()
-            .dataTask(get(server_.url("/x")),
-                      [ends, running, i](const UrlOutcome& outcome) {
-                          const bool alone = (*running)++ == 0;
-                          ends->add(alone && outcome.data == "body of /x");
-                          --*running;
-                          if (i % 10 == 0) throw std::runtime_error("an application's callback failed");
-                      })
+            .dataTask(get(server_.url("/x")), [ends](const UrlOutcome&) { ends->add(true); })
             ->resume();
     }
-    const LogCapture log;
-    ASSERT_TRUE(ends->count(1000));
-    for (const bool good : ends->values()) EXPECT_TRUE(good);
-    EXPECT_LE(server_.mostConnections(), 8);
+    EXPECT_TRUE(ends->count(1000));
     EXPECT_LE(server_.connections(), 8);
 }
 
-TEST_F(UrlSessionTest, TenThousandRequestsAgainstRandomFaultsEndTenThousandTimes) {
+TEST_F(UrlSessionTest, TenThousandRequestsAgainstRandomFaultsEndOnceEachOnASerialQueue) {
     constexpr std::size_t count = 10'000;
     static constexpr const char* paths[] = {"/nothing",   "/half-a-header", "/short", "/broken-gzip",
                                             "/to-a-file", "/not-http",      "/204",   "/500",
                                             "/moved",     "/good",          "/good",  "/good"};
     std::mt19937 random(7);
     const auto ends = std::make_shared<Await<std::size_t>>();
+    const auto running = std::make_shared<std::atomic<int>>(0);
+    const LogCapture quiet;
     for (std::size_t i = 0; i < count; ++i) {
+        const std::string path = paths[random() % std::size(paths)];
         UrlSession::shared()
-            .dataTask(get(server_.url(paths[random() % std::size(paths)])),
-                      [ends, i](const UrlOutcome&) { ends->add(i); })
+            .dataTask(get(server_.url(path)),
+                      [ends, running, path, i](const UrlOutcome& outcome) {
+                          EXPECT_EQ((*running)++, 0);
+                          EXPECT_TRUE(path != "/good" || outcome.data == "body of /good");
+                          ends->add(i);
+                          --*running;
+                          if (i % 100 == 0) throw std::runtime_error("an application's callback failed");
+                      })
             ->resume();
     }
     ASSERT_TRUE(ends->count(count, std::chrono::seconds(100)));
@@ -242,7 +234,8 @@ TEST_F(UrlSessionTest, CookiesComeBackAndCompressedBodiesAreRead) {
 TEST(Reachability, ItFollowsTheRoutesOfTheMachine) {
     EXPECT_EQ(platform::Reachability::flags("127.0.0.1"), platform::Reachability::kReachable);
     EXPECT_EQ(platform::Reachability::flags("not an address"), std::nullopt);
-    EXPECT_THAT(VLRequestHeaders::connectionType(), testing::AnyOf("none", "wifi", "data"));
+    const bool isOutside = platform::Reachability::flags("9.9.9.9") == platform::Reachability::kReachable;
+    EXPECT_EQ(VLRequestHeaders::connectionType(), isOutside ? "wifi" : "none");
 }
 
 TEST_F(UrlSessionTest, ADownloadIsPublishedWholeOrNotAtAll) {

@@ -1,20 +1,16 @@
 #include "platform/FileManager.h"
 
 #include "platform/Directories.h"
-#include "platform/Md5.h"
 #include "platform/desktop/PartialFile.h"
 #include "support/Files.h"
 #include "support/FullDisk.h"
-#include "support/LogCapture.h"
 #include "support/TemporaryDirectory.h"
 
 #include <atomic>
-#include <cstdlib>
 #include <map>
 #include <thread>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace velmora::test {
 
@@ -114,34 +110,6 @@ TEST(FileManager, TheDocumentsAreForTheirOwnerUnlessThatOneOpensThem) {
     fs::permissions(directory, fs::perms(0755));
     EXPECT_EQ(FileManager::documentsDirectory(), directory);
     EXPECT_EQ(fs::status(directory).permissions(), fs::perms(0755));
-}
-
-TEST(FileManager, DocumentsThatCannotBeMadeAreLogged) {
-    const TemporaryDirectory folder;
-    ASSERT_TRUE(FileManager::write(folder / "file", ""));
-    const std::string before = std::getenv("XDG_DATA_HOME");
-    setenv("XDG_DATA_HOME", (folder / "file").c_str(), 1);
-    const LogCapture log;
-    const auto directory = FileManager::documentsDirectory();
-    setenv("XDG_DATA_HOME", before.c_str(), 1);
-
-    EXPECT_TRUE(log.has(directory.string()));
-    EXPECT_FALSE(fs::exists(directory));
-}
-
-TEST(Md5, TheDigestsAreThoseOfTheRfc) {
-    const struct {
-        std::string text;
-        const char* digest;
-    } cases[] = {
-        {"", "d41d8cd98f00b204e9800998ecf8427e"},
-        {"abc", "900150983cd24fb0d6963f7d28e17f72"},
-        {"12345678901234567890123456789012345678901234567890123456789012345678901234567890",
-         "57edf4a22be3c955ac49da2e2107b67a"},
-        {std::string("\0", 1), "93b885adfe0da089cdf634904fd59f71"},
-    };
-
-    for (const auto& [text, digest] : cases) EXPECT_EQ(platform::md5(text), digest) << text;
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 #include "platform/Json.h"
 
-#include "platform/JsonWriter.h"
-
 #include <bit>
 #include <cmath>
 #include <limits>
@@ -61,27 +59,6 @@ TEST(Json, WholeNumbersStayWholeAsFarAs64BitsGo) {
     EXPECT_EQ(parseJson("-9223372036854775809"), Value(-9223372036854775808.0));
 }
 
-TEST(Json, ARealNumberBecomesTheNearestDouble) {
-    const struct {
-        const char* text;
-        double number;
-    } cases[] = {
-        {"2.5e1", 25},
-        {"5e-324", 5e-324},
-        {"1e-400", 0},
-        {"9007199254740993.0", 9007199254740992.0},
-        {"1.00000000000000011102230246251565404236316680908203125", 1},
-        {"1.00000000000000011102230246251565404236316680908203126", 1.0000000000000002},
-    };
-
-    for (const auto& [text, number] : cases) {
-        SCOPED_TRACE(text);
-        const auto value = parseJson(text);
-        ASSERT_TRUE(value && value->is_double());
-        EXPECT_EQ(std::bit_cast<std::uint64_t>(value->get_double()), std::bit_cast<std::uint64_t>(number));
-    }
-}
-
 TEST(Json, EveryDoubleComesBackAsItself) {
     std::mt19937_64 random(1);
     Array numbers{25.0, -0.0, 0.1, std::numeric_limits<double>::denorm_min(),
@@ -124,6 +101,8 @@ TEST(Json, WhatJsonCannotSayIsLeftOutOrMended) {
     for (const auto& [value, text] : cases) EXPECT_EQ(writeJson(value), text);
 
     EXPECT_EQ(writeJson(Dictionary{{"a", infinity}}), "{}");
+    EXPECT_EQ(writeJson(parseJson("[1e400, -1e400]").value()), "[]");
+    EXPECT_EQ(parseJson("1e-400"), Value(0.0));
 }
 
 TEST(Json, EveryByteIsWrittenSafelyWhereverItStands) {
@@ -140,28 +119,6 @@ TEST(Json, EveryByteIsWrittenSafelyWhereverItStands) {
             }
         }
     }
-}
-
-TEST(Json, WhateverIsWrittenCanBeRead) {
-    std::mt19937 random(1);
-    const auto bytes = [&] {
-        std::string text(random() % 12, '\0');
-        // Half of them at the borders where UTF-8 goes wrong.
-        constexpr std::string_view borders = "\x7F\x80\xBF\xC2\xE0\xED\xF0\xF4\xA0\x9F";
-        for (auto& c : text)
-            c = random() % 2 ? borders[random() % borders.size()] : static_cast<char>(random());
-        return text;
-    };
-    for (int i = 0; i < 20'000; ++i) {
-        const auto key = bytes();
-        const auto text = writeJson(
-            Dictionary{{key.c_str(), {bytes(), std::bit_cast<float>(static_cast<std::uint32_t>(random()))}}});
-        ASSERT_TRUE(text);
-        const auto read = parseJson(*text);
-        ASSERT_TRUE(read) << *text;
-        ASSERT_EQ(writeJson(*read), text);
-    }
-    EXPECT_EQ(writeJson(parseJson("[1e400, -1e400]").value()), "[]");
 }
 
 TEST(Json, TextThatIsNotJsonIsAbsent) {
@@ -197,35 +154,6 @@ TEST(Json, NestingEndsAt512BothWays) {
         // The way through mending keeps the same bound.
         EXPECT_EQ(writeJson(Array{"\xFF", value}).has_value(), depth + 1 <= kDeepestJson);
     }
-}
-
-TEST(Json, AWriterTakesItsPiecesAsTheyCome) {
-    platform::JsonWriter writer;
-    EXPECT_EQ(writer.take(), std::nullopt);
-
-    writer.beginDictionary();
-    writer.key("lost");
-    writer.value(std::nan(""));
-    writer.key("list");
-    writer.beginArray();
-    writer.value(Dictionary{{"a", 1}});
-    writer.beginDictionary();
-    writer.endDictionary();
-    writer.endArray();
-    writer.key("\"\xFF");
-    writer.value("b");
-    writer.endDictionary();
-    EXPECT_EQ(writer.take(), "{\"list\":[{\"a\":1},{}],\"\\\"\uFFFD\":\"b\"}");
-}
-
-TEST(Json, TheNullMarkerIsNotAbsence) {
-    const auto read = parseJson(R"({"present":null})").value();
-    const auto* present = read.get_object().if_contains("present");
-    ASSERT_NE(present, nullptr);
-    EXPECT_TRUE(present->is_null());
-    EXPECT_FALSE(platform::isValid(present));
-    EXPECT_FALSE(platform::isValid(read.get_object().if_contains("missing")));
-    EXPECT_EQ(writeJson(read), R"({"present":null})");
 }
 
 TEST(Json, ATreeLivesInTheStorageItWasAskedFor) {

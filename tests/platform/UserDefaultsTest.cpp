@@ -19,7 +19,6 @@
 #include <stdexcept>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -78,28 +77,6 @@ TEST_F(UserDefaultsTest, ValuesSurviveInANewObjectOnTheSameFile) {
     }
     for (const char* key : {"removed", "never there", "a", "WHOLE"})
         EXPECT_FALSE(defaults.hasKey(key)) << key;
-    EXPECT_THAT(log_.lines(), IsEmpty());
-}
-
-TEST_F(UserDefaultsTest, AReaderOfOneKindMakesDoWithEveryOther) {
-    const struct {
-        const char* json;
-        std::optional<std::string> text;
-        bool flag;
-    } cases[] = {{"false", {}, false}, {"2", {}, true},           {"null", {}, false},
-                 {"[1]", {}, false},   {R"("YES")", "YES", true}, {R"("")", "", false}};
-
-    UserDefaults defaults(file_);
-    for (const auto& [json, text, flag] : cases) {
-        defaults.setJson(json, "key");
-        EXPECT_EQ(defaults.objectForKey("key"), parseJson(json));
-        EXPECT_EQ(defaults.stringForKey("key"), text) << json;
-        EXPECT_EQ(defaults.boolForKey("key"), flag) << json;
-    }
-    EXPECT_EQ(defaults.stringForKey("missing"), std::nullopt);
-    EXPECT_FALSE(defaults.boolForKey("missing"));
-    defaults.setBool(true, "flag");
-    EXPECT_EQ(defaults.objectForKey("flag"), Value(true));
     EXPECT_THAT(log_.lines(), IsEmpty());
 }
 
