@@ -51,6 +51,7 @@ target_link_libraries(video PRIVATE velmora_sandbox Qt6::Multimedia OpenSSL::SSL
 velmora_add_gui_tests(show
     ui/AdShowControllerTest.cpp
     ui/AdShowEndsTest.cpp
+    ui/AdShowProgressTest.cpp
     support/ScriptedPage.cpp
     support/ScriptedPlayer.cpp
     support/ScriptedServer.cpp)

@@ -33,6 +33,10 @@ const Outcome kSeenWhole{"true true", "0:start 2:firstQuartile 4:midpoint 6:thir
 const Outcome kOfNoLength{"false", "0:start end:complete", "100 % 30 s", "3/0", "other"};
 const Outcome kBanner{"", "", "100 % 30 s", "3/100", "other"};
 
+// A page that goes by itself ends nothing: what was shown stays ready, under an empty screen.
+const Outcome kEmpty{"", "", "", "3", kBoth, false};
+const Outcome kSkippedAndEmpty{"", "0:start 2:firstQuartile skip:skip", "", "3/0", kBoth, false};
+
 void playToTheEnd(AdShow& show) {
     show.show(show.video());
     show.play();
@@ -44,6 +48,20 @@ void playAThird(AdShow& show, const std::shared_ptr<VLAdShowOptions>& options = 
     show.show(show.video(), options);
     show.play();
     show.tick({0, 2, 2.4});
+}
+
+void sayDone(AdShow& show) {
+    ASSERT_TRUE(show.page()->widget->isVisible());
+    show.page()->finish("http://127.0.0.1:1/?VelmoraSuggestionIsDone");
+    show.rest();
+    EXPECT_FALSE(show.page()->widget && show.page()->widget->isVisible());
+}
+
+void leavePage(AdShow& show) {
+    ASSERT_TRUE(show.page()->widget->isVisible());
+    show.shown()->webView->exitButtonTouched();
+    show.rest();
+    EXPECT_FALSE(show.page()->widget && show.page()->widget->isVisible());
 }
 
 /// What has no whole second has no length that counts.
@@ -134,6 +152,28 @@ const End kEnds[] = {
          show.tick({0, 2.4});
          show.skip();
      }},
+    {"SkippedThenThePageSaysThatItIsDone", kSkippedAndEmpty,
+     [](AdShow& show) {
+         playAThird(show);
+         show.skip();
+         sayDone(show);
+     }},
+    {"SkippedThenThePageIsLeft", kSkippedAndEmpty,
+     [](AdShow& show) {
+         playAThird(show);
+         show.skip();
+         leavePage(show);
+     }},
+    {"SkippedInAReplay",
+     {"true true", kSeenWhole.trackers + " skip:skip", "100 % 8 s", "3/100", "other"},
+     [](AdShow& show) {
+         playToTheEnd(show);
+         show.replay();
+         show.tick({1});
+         show.skip();
+         EXPECT_TRUE(show.page()->widget->isVisible());
+         show.command("close");
+     }},
     {"SkippedTwiceAndThenFailed",
      {"false", "0:start 2:firstQuartile skip:skip", "", "3/0", kBoth},
      [](AdShow& show) {
@@ -210,6 +250,16 @@ const End kEnds[] = {
      [](AdShow& show) {
          show.show(AdShow::banner());
          show.command("dismiss");
+     }},
+    {"OfABannerThatSaysThatItIsDone", kEmpty,
+     [](AdShow& show) {
+         show.show(AdShow::banner());
+         sayDone(show);
+     }},
+    {"OfABannerThatIsLeft", kEmpty,
+     [](AdShow& show) {
+         show.show(AdShow::banner());
+         leavePage(show);
      }},
     {"OfABannerWhoseStartIsKnown",
      {"", "", "100 % 100 s", "3/100", "other"},
