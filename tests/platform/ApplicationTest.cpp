@@ -1,16 +1,13 @@
 #include "platform/Application.h"
 #include "platform/Screen.h"
+#include "platform/ViewController.h"
 
-#include "support/Environment.h"
 #include "support/EventLoop.h"
 #include "support/LogCapture.h"
 #include "support/OddUrls.h"
-#include "support/Screens.h"
-#include "support/TemporaryDirectory.h"
+#include "support/Opener.h"
 #include "support/TurnedScreen.h"
 
-#include <filesystem>
-#include <fstream>
 #include <future>
 #include <string>
 
@@ -18,7 +15,6 @@
 #include <QScreen>
 #include <QWidget>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace velmora::test {
 
@@ -70,22 +66,7 @@ TEST(Application, EachWindowHasOneRootForAsLongAsItLives) {
 }
 
 TEST(Application, AUrlIsOpenedByTheDesktopAsItStands) {
-    const TemporaryDirectory home;
-    const auto seen = home / "seen";
-    const auto applications = home / "applications";
-    std::filesystem::create_directories(applications);
-    const auto program = home / "opener";
-    std::ofstream(program) << "#!/bin/sh\nprintf '%s\\n' \"$@\" > '" << seen.string() << "'.new && mv '"
-                           << seen.string() << "'.new '" << seen.string() << "'\n";
-    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
-    std::ofstream(applications / "opener.desktop")
-        << "[Desktop Entry]\nType=Application\nName=Opener\nExec=" << program.string()
-        << " %u\nMimeType=x-scheme-handler/velmora-test;\n";
-    std::ofstream(applications / "mimeapps.list")
-        << "[Default Applications]\nx-scheme-handler/velmora-test=opener.desktop\n";
-    ::setenv("XDG_DATA_HOME", home.path().c_str(), 1);
-    ::setenv("XDG_CONFIG_HOME", home.path().c_str(), 1);
-
+    const Opener opener("velmora-test");
     const std::string url = "velmora-test:a'b$(touch%20x);d&e=%D8%A7,*~";
     EXPECT_FALSE(Application::canOpenUrl("no-such-scheme:x"));
     EXPECT_FALSE(Application::canOpenUrl("no scheme"));
@@ -98,10 +79,8 @@ TEST(Application, AUrlIsOpenedByTheDesktopAsItStands) {
     }
     ASSERT_TRUE(Application::canOpenUrl(url));
     Application::openUrl(url);
-    EXPECT_TRUE(runUntil([&] { return std::filesystem::exists(seen); }));
-    std::string line;
-    std::getline(std::ifstream(seen), line);
-    EXPECT_EQ(line, url);
+    EXPECT_TRUE(runUntil([&] { return !opener.opened().empty(); }));
+    EXPECT_THAT(opener.opened(), testing::ElementsAre(url));
 }
 
 TEST(Application, AUrlThatNobodyOpensIsLogged) {

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace velmora::test {
 
@@ -28,25 +27,6 @@ public:
 };
 
 std::shared_ptr<ScriptedPlayer> makePlayer() { return std::make_shared<ScriptedPlayer>("test"); }
-
-TEST(Player, EachRegistrationIsToldOfAChangeAndEachRemovalTakesOne) {
-    const auto player = makePlayer();
-    const auto watcher = std::make_shared<Watcher>();
-    player->removeStatusObserver(*watcher);
-    player->addStatusObserver(watcher);
-    player->addStatusObserver(watcher);
-    player->become(PlayerStatus::readyToPlay);
-    EXPECT_THAT(watcher->seen, ElementsAre(PlayerStatus::readyToPlay, PlayerStatus::readyToPlay));
-
-    player->removeStatusObserver(*watcher);
-    player->become(PlayerStatus::failed);
-    EXPECT_EQ(watcher->seen.size(), 3U);
-
-    player->removeStatusObserver(*watcher);
-    player->removeStatusObserver(*watcher);
-    player->become(PlayerStatus::unknown);
-    EXPECT_EQ(watcher->seen.size(), 3U);
-}
 
 TEST(Player, AChangeIsToldToThoseWhoWereThereWhenItCame) {
     const auto player = makePlayer();
@@ -78,20 +58,6 @@ TEST(Player, AStatusObserverIsNotHeldAndMayGoInTheMiddle) {
     player->become(PlayerStatus::failed);
     EXPECT_TRUE(weak.expired());
     EXPECT_EQ(first->seen.size(), 1U);
-}
-
-TEST(Player, AnObserverMayReleaseThePlayerAndTheRoundEndsAllTheSame) {
-    auto player = makePlayer();
-    const std::weak_ptr<Player> weak = player;
-    std::vector<int> told;
-    player->addPeriodicTimeObserver(0.25, [&](double) {
-        player.reset();
-        told.push_back(1);
-    });
-    player->addPeriodicTimeObserver(0.25, [&](double) { told.push_back(2); });
-    player.get()->tick(0);
-    EXPECT_THAT(told, ElementsAre(1, 2));
-    EXPECT_TRUE(weak.expired());
 }
 
 TEST(Player, PassingTimeIsToldAtMultiplesAndAJumpWhereItIs) {

@@ -13,7 +13,6 @@
 #include <QWidget>
 #include <QWindow>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace velmora::test {
 
@@ -170,20 +169,6 @@ TEST_F(Screens, AWindowThatSomebodyDeletesTakesNoViewWithIt) {
     EXPECT_FALSE(one->view()->isVisible());
     root()->presentViewController(one, false, note("again"));
     EXPECT_TRUE(heard("again"));
-}
-
-TEST_F(Screens, ControllersMayBeLetGoInTheirOwnCallbacks) {
-    auto inside = screen("inside");
-    auto navigation = std::make_shared<NavigationController>(inside);
-    inside->onAppear = [&] {
-        inside.reset();
-        navigation.reset();
-        root()->dismissViewControllerAnimated(true, note("gone"));
-    };
-    root()->presentViewController(navigation, true, note("there"));
-    EXPECT_TRUE(heard("gone"));
-    EXPECT_EQ(alive, 0);
-    EXPECT_THAT(events_, Contains("there"));
 }
 
 TEST_F(Screens, AControllerPresentsNeitherItselfNorWhatHoldsIt) {

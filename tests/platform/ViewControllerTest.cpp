@@ -12,7 +12,6 @@
 
 #include <QWidget>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace velmora::test {
 
@@ -20,12 +19,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-using platform::Application;
 using platform::NavigationController;
 using platform::TabBarController;
 using platform::ViewController;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 TEST_F(Screens, APresentedOneIsLoadedLaidOutMovedInAndThenAppears) {
     const auto first = screen("a");
@@ -90,20 +87,6 @@ TEST_F(Screens, AnAnimationTakesTimeByTheClock) {
     EXPECT_EQ(one->view()->y(), 0);
 }
 
-TEST_F(Screens, ClosingTheWindowDismissesAllAndTellsNobody) {
-    const auto bottom = screen("a");
-    root()->presentViewController(bottom, false, note("1"));
-    EXPECT_TRUE(heard("1"));
-    bottom->presentViewController(screen("b"), true, note("never"));
-    bottom->view()->window()->close();
-    EXPECT_TRUE(runUntil([] { return alive == 1; }));
-    EXPECT_EQ(bottom->presentingViewController(), nullptr);
-    EXPECT_THAT(events_, testing::Not(testing::Contains("never")));
-    // The next one opens another window.
-    root()->presentViewController(bottom, false, note("2"));
-    EXPECT_TRUE(heard("2"));
-}
-
 TEST_F(Screens, CompletionsMayPresentDismissAndThrow) {
     const LogCapture log;
     auto first = screen("a");
@@ -140,26 +123,6 @@ TEST_F(Screens, ContainersAnswerForWhatTheyShow) {
     right->removeFromParentViewController();
     EXPECT_EQ(right->parentViewController(), nullptr);
     EXPECT_THAT(tabs->viewControllers(), ElementsAre(left));
-}
-
-TEST_F(Screens, AThousandRoundsLeaveNothingBehind) {
-    int rounds = 0;
-    const std::function<void()> again = [&] {
-        if (++rounds == 1000) return;
-        root()->presentViewController(screen("a"), false,
-                                      [&] { root()->dismissViewControllerAnimated(false, again); });
-    };
-    again();
-    EXPECT_TRUE(runUntil([&] { return rounds == 1000; }));
-    EXPECT_TRUE(runUntil([] { return alive == 0; }));
-}
-
-TEST(Screen, WithoutAWindowThereIsNothingToPresentFrom) {
-    EXPECT_EQ(Application::rootViewController(), nullptr);
-    const LogCapture log;
-    Events events;
-    std::make_shared<Screen>("a", events)->presentViewController(std::make_shared<Screen>("b", events), true);
-    EXPECT_THAT(events, IsEmpty());
 }
 
 }  // namespace
