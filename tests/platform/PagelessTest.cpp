@@ -1,14 +1,14 @@
 #include "support/Environment.h"
-#include "support/Files.h"
+#include "support/Program.h"
 #include "support/TemporaryDirectory.h"
 
-#include <cstdlib>
 #include <filesystem>
+#include <map>
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 namespace velmora::test {
@@ -20,16 +20,13 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 
-struct Outcome {
-    bool succeeded = false;
-    std::string output;
-};
+constexpr auto kEmpty = "nothing was loaded\nand left\n";
 
-Outcome run(const std::string& program) {
-    const TemporaryDirectory folder;
-    const auto file = (folder / "output").string();
-    const bool succeeded = std::system((program + " >" + file + " 2>&1").c_str()) == 0;
-    return {succeeded, contentOf(file)};
+/// Without a display.
+Ended run(const std::vector<std::string>& words, std::map<std::string, std::string> environment = {}) {
+    environment.emplace("QT_QPA_PLATFORM", "offscreen");
+    environment.emplace("QTWEBENGINE_DISABLE_SANDBOX", "1");
+    return runProgram(words, environment);
 }
 
 struct Terms {
@@ -44,15 +41,12 @@ struct Terms {
 class WhereTheEngineCannotStart : public testing::TestWithParam<Terms> {};
 
 TEST_P(WhereTheEngineCannotStart, ThePageIsEmptyAndTheLogSaysWhy) {
-    const Environment platform("QT_QPA_PLATFORM", "offscreen");
-    const Environment sandbox("QTWEBENGINE_DISABLE_SANDBOX", "1");
-    const Environment variable(GetParam().variable, GetParam().value);
-
-    const auto [succeeded, output] = run(std::string(VELMORA_PAGELESS) + " " + GetParam().name);
-
-    EXPECT_TRUE(succeeded) << output;
-    EXPECT_THAT(output, AllOf(HasSubstr("No web page can be shown: the browser engine was not started: "),
-                              HasSubstr(GetParam().reason), EndsWith("nothing was loaded\nand left\n")));
+    const auto ended = run({VELMORA_PAGELESS, GetParam().name}, {{GetParam().variable, GetParam().value}});
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_EQ(ended.output, kEmpty);
+    EXPECT_THAT(ended.errors,
+                AllOf(HasSubstr("No web page can be shown: the browser engine was not started: "),
+                      HasSubstr(GetParam().reason)));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -64,45 +58,33 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& terms) { return terms.param.name; });
 
 TEST(WebPageEngine, WithItsSandboxOnNeverEndsTheHost) {
-    const Environment platform("QT_QPA_PLATFORM", "offscreen");
     const Environment sandbox("QTWEBENGINE_DISABLE_SANDBOX", nullptr);
-
-    const auto [succeeded, output] = run(VELMORA_PAGELESS " engine-or-not");
-
-    EXPECT_TRUE(succeeded) << output;
-    const bool isRoot = ::geteuid() == 0;
-    EXPECT_THAT(output, HasSubstr(isRoot ? "it does not run as root" : "and left"));
+    const auto ended = runProgram({VELMORA_PAGELESS, "engine-or-not"}, {{"QT_QPA_PLATFORM", "offscreen"}});
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_THAT(ended.output, EndsWith("and left\n"));
+    EXPECT_THAT(ended.errors, HasSubstr(::geteuid() == 0 ? "it does not run as root" : ""));
 }
 
 TEST(WebPageEngine, GoesWithTheApplicationWhosePageIsStillThere) {
-    const Environment platform("QT_QPA_PLATFORM", "offscreen");
-    const Environment sandbox("QTWEBENGINE_DISABLE_SANDBOX", "1");
-
-    const auto [succeeded, output] = run(VELMORA_PAGELESS " engine");
-
-    EXPECT_TRUE(succeeded) << output;
-    EXPECT_THAT(output, AllOf(Not(HasSubstr("No web page")), EndsWith("a page was loaded\nand left\n")));
+    const auto ended = run({VELMORA_PAGELESS, "engine"});
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_EQ(ended.output, "a page was loaded\nand left\n");
+    EXPECT_THAT(ended.errors, Not(HasSubstr("No web page")));
 }
 
 TEST(WebPageEngine, IsNotInAnApplicationThatShowsNoPage) {
-    const Environment platform("QT_QPA_PLATFORM", "offscreen");
-
-    const auto [succeeded, output] = run(VELMORA_ADLESS);
-
-    EXPECT_TRUE(succeeded) << output;
+    const auto ended = run({VELMORA_ADLESS});
+    EXPECT_EQ(ended.status, 0) << ended.errors;
 }
 
 TEST(WebPageEngine, IsNotNeededToGoOn) {
-    const Environment platform("QT_QPA_PLATFORM", "offscreen");
     const TemporaryDirectory elsewhere;
     const auto copy = elsewhere / "pageless";
     std::filesystem::copy_file(VELMORA_PAGELESS, copy);
-
-    const auto [succeeded, output] = run(copy.string() + " engine-missing");
-
-    EXPECT_TRUE(succeeded) << output;
-    EXPECT_THAT(output,
-                AllOf(HasSubstr("No web page can be shown: "), EndsWith("nothing was loaded\nand left\n")));
+    const auto ended = run({copy.string(), "engine-missing"});
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_EQ(ended.output, kEmpty);
+    EXPECT_THAT(ended.errors, HasSubstr("No web page can be shown: "));
 }
 
 }  // namespace

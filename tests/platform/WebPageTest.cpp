@@ -15,7 +15,6 @@
 #include <utility>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <QApplication>
 #include <QWidget>
@@ -219,14 +218,6 @@ TEST_F(WebPage, ALoadThatDoesNotEndOrFailsOrIsRefusedReportsNoEnd) {
     EXPECT_EQ(server.requestsOf("/plain?refused"), 0);
 }
 
-TEST_F(WebPage, AWindowOpensInThePageItself) {
-    server.setPage(
-        "/page", "<a id=a href='/plain?window' target=_blank>a</a><script>onload = () => a.click()</script>");
-    page->load(server.url("/page"));
-    EXPECT_TRUE(runUntil([&] { return watcher->endsOf(server.url("/plain?window")) > 0; }));
-    EXPECT_EQ(watcher->startsOf(server.url("/plain?window")), 1);
-}
-
 TEST_F(WebPage, APageIsGrantedNothingAndMakesNobodyWait) {
     server.setPage("/page", R"(<script>
         const answers = [];
@@ -301,14 +292,6 @@ TEST_F(WebPage, APageTakesItsWidgetOutOfWhatItLaysIn) {
     EXPECT_EQ(page->widget(), nullptr);
 }
 
-TEST_F(WebPage, ADelegateIsNotKeptAlive) {
-    const std::weak_ptr<PageWatcher> weak = watcher;
-    watcher.reset();
-    EXPECT_TRUE(weak.expired());
-    page->load(server.url("/plain"));
-    EXPECT_TRUE(runUntil([&] { return server.requestsOf("/plain") > 0; }));
-}
-
 TEST_F(WebPage, AnAuthorityOfTheDeveloperIsTrustedWhenItIsNamedAndOnlyForItsHost) {
     const auto mine = Certificates::makeFor("127.0.0.1");
     const auto elsewhere = Certificates::makeFor("elsewhere.example");
@@ -336,35 +319,6 @@ TEST_F(WebPage, AnAuthorityOfTheDeveloperIsTrustedWhenItIsNamedAndOnlyForItsHost
                   loaded);
         EXPECT_EQ(secure.requestsOf("/plain"), loaded ? 1 : 0);
     }
-}
-
-/// Lets its controller go with the first command.
-class LettingGo final : public VLWebViewControllerDelegate {
-public:
-    void vlWebViewBridgeClose() override { controller.reset(); }
-    void vlWebViewBridgeDismiss() override {}
-    void vlWebViewBridgeReplay() override {}
-    void vlWebViewBridgeOpenType(const std::optional<std::string>& type,
-                                 const std::optional<std::string>& target,
-                                 const std::optional<std::string>& description) override {
-        opened = {type, target, description};
-    }
-
-    std::shared_ptr<VLWebViewController> controller = std::make_shared<VLWebViewController>();
-    std::vector<std::optional<std::string>> opened;
-};
-
-TEST_F(WebPage, CommandsReachTheDelegateOfAControllerWhichMayGoThen) {
-    server.setPage("/page", R"(<meta charset=utf-8><script>onload = () => {
-        location = 'velmora://open?type=a%20b&target=' + encodeURIComponent('http://x/?é=1&b=[{}]') + '&c';
-        setTimeout(() => location = 'velmora://close', 50);
-    }</script>)");
-    const auto delegate = std::make_shared<LettingGo>();
-    delegate->controller->delegate = delegate;
-    delegate->controller->setUrlString(server.url("/page"));
-    EXPECT_TRUE(runUntil([&] { return delegate->controller == nullptr; }));
-    EXPECT_THAT(delegate->opened, ElementsAre("a b", "http://x/?é=1&b=[{}]", std::nullopt));
-    fence();
 }
 
 TEST_F(WebPage, APageIsDrawnOverTheWholeViewOfItsController) {
