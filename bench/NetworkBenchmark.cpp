@@ -5,10 +5,10 @@
 #include "net/VLInternetCacher.h"
 #include "net/VLWebServices.h"
 #include "platform/FileManager.h"
+#include "sandbox/ScriptedServer.h"
 #include "support/Await.h"
 #include "support/BareCurl.h"
 #include "support/Measure.h"
-#include "support/ScriptedServer.h"
 #include "support/Suggestions.h"
 
 #include <algorithm>
@@ -59,10 +59,10 @@ public:
 
 private:
     static void serve(int port) {
-        const auto list = test::Script::answer(200, bench::answer(8));
-        const auto small = test::Script::answer(200, "seen");
-        const auto video = test::Script::answer(200, std::string(kVideoSize, 'v'));
-        const test::ScriptedServer server([&](const test::SeenRequest& request) {
+        const auto list = sandbox::Script::answer(200, bench::answer(8));
+        const auto small = sandbox::Script::answer(200, "seen");
+        const auto video = sandbox::Script::answer(200, std::string(kVideoSize, 'v'));
+        const sandbox::ScriptedServer server([&](const sandbox::SeenRequest& request) {
             if (request.target.starts_with("/video")) return video;
             return request.method == "POST" ? list : small;
         });

@@ -11,10 +11,10 @@
 #include "net/VLRequestHeaders.h"
 #include "net/VLWebServices.h"
 #include "platform/Json.h"
+#include "sandbox/ScriptedServer.h"
 #include "support/Await.h"
 #include "support/BareCurl.h"
 #include "support/Measure.h"
-#include "support/ScriptedServer.h"
 #include "support/Suggestions.h"
 
 #include <velmora/velmora.h>
@@ -106,7 +106,7 @@ int main() {
     if (mkdtemp(folder.data()) == nullptr) return 2;
     setenv("XDG_DATA_HOME", folder.c_str(), 1);
     const auto text = bench::answer(5);
-    const test::ScriptedServer server([&](const auto&) { return test::Script::answer(200, text); });
+    const sandbox::ScriptedServer server([&](const auto&) { return sandbox::Script::answer(200, text); });
     setenv("VELMORA_API_BASE_URL", server.url("/v2").c_str(), 1);
     const auto configuration = std::make_shared<VLConfiguration>();
     configuration->setDebugMode(false);

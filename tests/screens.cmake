@@ -44,18 +44,16 @@ velmora_add_gui_tests(video
     platform/PlayerTest.cpp
     platform/QtPlayerTest.cpp
     ui/VideoShowTest.cpp
-    support/ScriptedPlayer.cpp
-    support/ScriptedServer.cpp)
-target_link_libraries(video PRIVATE velmora_sandbox Qt6::Multimedia OpenSSL::SSL)
+    support/ScriptedPlayer.cpp)
+target_link_libraries(video PRIVATE velmora_sandbox Qt6::Multimedia)
 
 velmora_add_gui_tests(show
     ui/AdShowControllerTest.cpp
     ui/AdShowEndsTest.cpp
     ui/AdShowProgressTest.cpp
     support/ScriptedPage.cpp
-    support/ScriptedPlayer.cpp
-    support/ScriptedServer.cpp)
-target_link_libraries(show PRIVATE velmora_sandbox OpenSSL::SSL)
+    support/ScriptedPlayer.cpp)
+target_link_libraries(show PRIVATE velmora_sandbox)
 
 # With services of the desktop on a system bus of their own.
 velmora_add_gui_tests(device

@@ -7,12 +7,12 @@
 #include "platform/Log.h"
 #include "platform/UrlSession.h"
 #include "platform/UserDefaults.h"
+#include "sandbox/ScriptedServer.h"
 #include "support/Application.h"
 #include "support/Await.h"
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
 #include "support/Program.h"
-#include "support/ScriptedServer.h"
 #include "support/StoreFiles.h"
 
 #include <cstdlib>
@@ -26,6 +26,10 @@
 namespace velmora::test {
 
 namespace {
+
+using sandbox::Script;
+using sandbox::ScriptedServer;
+using sandbox::SeenRequest;
 
 using namespace std::chrono_literals;
 

@@ -2,10 +2,10 @@
 
 #include "platform/UrlSession.h"
 #include "platform/UrlText.h"
+#include "sandbox/ScriptedServer.h"
 #include "support/Application.h"
 #include "support/Environment.h"
 #include "support/LogCapture.h"
-#include "support/ScriptedServer.h"
 
 #include <chrono>
 #include <map>
@@ -16,6 +16,10 @@
 namespace velmora::test {
 
 namespace {
+
+using sandbox::Script;
+using sandbox::ScriptedServer;
+using sandbox::SeenRequest;
 
 using platform::Geocoder;
 using platform::Location;

@@ -1,17 +1,21 @@
 #include "device/GeoInfo.h"
 #include "device/GeoInfoLocationIOS.h"
 #include "platform/Geocoder.h"
+#include "sandbox/ScriptedServer.h"
 #include "support/Application.h"
 #include "support/Environment.h"
 #include "support/LogCapture.h"
 #include "support/Records.h"
-#include "support/ScriptedServer.h"
 
 #include <gmock/gmock.h>
 
 namespace velmora::test {
 
 namespace {
+
+using sandbox::Script;
+using sandbox::ScriptedServer;
+using sandbox::SeenRequest;
 
 using platform::Location;
 using testing::HasSubstr;

@@ -1,6 +1,6 @@
 #include "sandbox/Sandbox.h"
+#include "sandbox/ScriptedServer.h"
 #include "support/Program.h"
-#include "support/ScriptedServer.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -14,6 +14,10 @@
 namespace velmora::test {
 
 namespace {
+
+using sandbox::Script;
+using sandbox::ScriptedServer;
+using sandbox::SeenRequest;
 
 using testing::HasSubstr;
 using testing::StartsWith;

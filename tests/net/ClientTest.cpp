@@ -4,9 +4,10 @@
 #include "model/VLRewardResponseModel.h"
 #include "net/VLRequestHeaders.h"
 #include "net/VLWebServices.h"
+#include "sandbox/ScriptedServer.h"
 #include "support/Await.h"
+#include "support/Certificates.h"
 #include "support/LogCapture.h"
-#include "support/ScriptedServer.h"
 
 #include <atomic>
 #include <cstdlib>
@@ -16,6 +17,10 @@
 namespace velmora::test {
 
 namespace {
+
+using sandbox::Script;
+using sandbox::ScriptedServer;
+using sandbox::SeenRequest;
 
 using testing::AllOf;
 using testing::Contains;

@@ -1,6 +1,6 @@
+#include "sandbox/ScriptedServer.h"
 #include "support/Await.h"
 #include "support/Program.h"
-#include "support/ScriptedServer.h"
 
 #include <chrono>
 
@@ -9,6 +9,10 @@
 namespace velmora::test {
 
 namespace {
+
+using sandbox::Script;
+using sandbox::ScriptedServer;
+using sandbox::SeenRequest;
 
 constexpr int kRounds = 10;
 

@@ -1,6 +1,6 @@
 #include "platform/UrlSession.h"
+#include "sandbox/ScriptedServer.h"
 #include "support/Await.h"
-#include "support/ScriptedServer.h"
 
 #include <dlfcn.h>
 #include <netdb.h>
@@ -10,6 +10,10 @@
 namespace velmora::test {
 
 namespace {
+
+using sandbox::Script;
+using sandbox::ScriptedServer;
+using sandbox::SeenRequest;
 
 constexpr const char* kNameThatHangs = "hangs.example";
 

@@ -13,13 +13,13 @@
 #include "net/VLWebServices.h"
 #include "platform/FileManager.h"
 #include "platform/Json.h"
+#include "sandbox/ScriptedServer.h"
 #include "support/Application.h"
 #include "support/Await.h"
 #include "support/Environment.h"
 #include "support/Files.h"
 #include "support/ManualClock.h"
 #include "support/OddUrls.h"
-#include "support/ScriptedServer.h"
 
 #include <atomic>
 #include <chrono>
@@ -29,6 +29,10 @@
 namespace velmora::test {
 
 namespace {
+
+using sandbox::Script;
+using sandbox::ScriptedServer;
+using sandbox::SeenRequest;
 
 using testing::ElementsAre;
 

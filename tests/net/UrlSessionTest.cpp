@@ -2,10 +2,11 @@
 
 #include "net/VLRequestHeaders.h"
 #include "platform/Reachability.h"
+#include "sandbox/ScriptedServer.h"
 #include "support/Await.h"
+#include "support/Certificates.h"
 #include "support/Files.h"
 #include "support/LogCapture.h"
-#include "support/ScriptedServer.h"
 #include "support/TemporaryDirectory.h"
 
 #include <atomic>
@@ -18,6 +19,10 @@
 namespace velmora::test {
 
 namespace {
+
+using sandbox::Script;
+using sandbox::ScriptedServer;
+using sandbox::SeenRequest;
 
 using platform::UrlError;
 using platform::UrlOutcome;

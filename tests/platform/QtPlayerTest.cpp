@@ -1,9 +1,10 @@
 #include "platform/desktop/QtPlayer.h"
 
+#include "sandbox/ScriptedServer.h"
+#include "support/Certificates.h"
 #include "support/Environment.h"
 #include "support/EventLoop.h"
 #include "support/OddUrls.h"
-#include "support/ScriptedServer.h"
 #include "support/Videos.h"
 
 #include <algorithm>
@@ -22,6 +23,10 @@
 namespace velmora::test {
 
 namespace {
+
+using sandbox::Script;
+using sandbox::ScriptedServer;
+using sandbox::SeenRequest;
 
 using namespace std::chrono_literals;
 

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "support/ScriptedServer.h"
+#include "sandbox/ScriptedServer.h"
+#include "support/Certificates.h"
 
 #include <algorithm>
 #include <map>
@@ -10,12 +11,15 @@
 
 namespace velmora::test {
 
+using sandbox::Script;
+using sandbox::ScriptedServer;
+using sandbox::SeenRequest;
+
 /// Serves a test's web pages, some that are always there, and some ways not to serve one.
 class PageServer {
 public:
-    explicit PageServer(std::shared_ptr<Certificates> certificates = nullptr)
-        : server_([this](const SeenRequest& request) { return answer(request.target); },
-                  std::move(certificates)) {}
+    explicit PageServer(const std::shared_ptr<Certificates>& certificates = nullptr)
+        : server_([this](const SeenRequest& request) { return answer(request.target); }, certificates) {}
 
     void setPage(const std::string& path, const std::string& html) {
         const std::lock_guard lock(mutex_);

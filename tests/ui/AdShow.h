@@ -9,12 +9,12 @@
 #include "platform/Application.h"
 #include "platform/Directories.h"
 #include "platform/UserDefaults.h"
+#include "sandbox/ScriptedServer.h"
 #include "support/EventLoop.h"
 #include "support/ManualClock.h"
 #include "support/Records.h"
 #include "support/ScriptedPage.h"
 #include "support/ScriptedPlayer.h"
-#include "support/ScriptedServer.h"
 #include "ui/VLAVPlayerViewController.h"
 #include "ui/VLAdShowUIController.h"
 
@@ -34,6 +34,10 @@
 #include <velmora/velmora.h>
 
 namespace velmora::test {
+
+using sandbox::Script;
+using sandbox::ScriptedServer;
+using sandbox::SeenRequest;
 
 /// An application with a window, which shows ads with a scripted player and scripted pages, on a clock of its
 /// own; a server for their trackers; and a stranger's look into the store.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/Certificates.h"
+#include "sandbox/Certificates.h"
 
 #include <chrono>
 #include <functional>
@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-namespace velmora::test {
+namespace velmora::sandbox {
 
 /// What the server read of one request.
 struct SeenRequest {
@@ -48,7 +48,8 @@ public:
     using OnRequest = std::function<Script(const SeenRequest& request)>;
 
     /// An address that the machine has not got is a `std::runtime_error`.
-    explicit ScriptedServer(OnRequest script, std::shared_ptr<Certificates> certificates = nullptr,
+    explicit ScriptedServer(OnRequest script,
+                            const std::shared_ptr<const Certificates>& certificates = nullptr,
                             const char* address = "127.0.0.1");
     /// Ends every connection.
     ~ScriptedServer();
@@ -58,9 +59,8 @@ public:
     /// Of a path that begins with "/".
     [[nodiscard]] std::string url(std::string_view path) const;
     [[nodiscard]] std::vector<SeenRequest> seen() const;
-    /// How many connections were made, and how many were open at one time at the most.
+    /// How many connections were made.
     [[nodiscard]] int connections() const;
-    [[nodiscard]] int mostConnections() const;
     /// How many connections went on with the TLS session of an earlier one.
     [[nodiscard]] int resumedSessions() const;
 
@@ -69,4 +69,4 @@ private:
     std::shared_ptr<Shared> shared_;
 };
 
-}  // namespace velmora::test
+}  // namespace velmora::sandbox

@@ -1,7 +1,7 @@
 // Fences, which the thread sanitizer does not know, order what this server never shares.
 #define BOOST_ASIO_DISABLE_FENCED_BLOCK
 
-#include "support/ScriptedServer.h"
+#include "sandbox/ScriptedServer.h"
 
 #include <algorithm>
 #include <list>
@@ -11,7 +11,7 @@
 #include <boost/asio.hpp>
 #include <boost/asio/ssl.hpp>
 
-namespace velmora::test {
+namespace velmora::sandbox {
 
 namespace asio = boost::asio;
 using Tcp = asio::ip::tcp;
@@ -73,7 +73,6 @@ struct ScriptedServer::Shared {
     std::list<std::thread> threads;
     std::list<Tcp::socket*> open;
     int connections = 0;
-    int mostConnections = 0;
     int resumedSessions = 0;
     bool ending = false;
 
@@ -120,7 +119,6 @@ struct ScriptedServer::Shared {
             const std::lock_guard lock(mutex);
             if (ending) return;
             place = open.insert(open.end(), &socket);
-            mostConnections = std::max(mostConnections, static_cast<int>(open.size()));
         }
         if (secure) {
             asio::ssl::stream<Tcp::socket&> stream(socket, tls);
@@ -151,7 +149,7 @@ struct ScriptedServer::Shared {
     }
 };
 
-ScriptedServer::ScriptedServer(OnRequest script, std::shared_ptr<Certificates> certificates,
+ScriptedServer::ScriptedServer(OnRequest script, const std::shared_ptr<const Certificates>& certificates,
                                const char* address)
     : shared_(std::make_shared<Shared>(address)) {
     shared_->script = std::move(script);
@@ -196,14 +194,9 @@ int ScriptedServer::connections() const {
     return shared_->connections;
 }
 
-int ScriptedServer::mostConnections() const {
-    const std::lock_guard lock(shared_->mutex);
-    return shared_->mostConnections;
-}
-
 int ScriptedServer::resumedSessions() const {
     const std::lock_guard lock(shared_->mutex);
     return shared_->resumedSessions;
 }
 
-}  // namespace velmora::test
+}  // namespace velmora::sandbox
