@@ -25,6 +25,7 @@ public:
 
     /// Lives as long as the process.
     CurlLoop();
+    ~CurlLoop() = default;
     CurlLoop(const CurlLoop&) = delete;
     CurlLoop& operator=(const CurlLoop&) = delete;
 

@@ -19,6 +19,7 @@ public:
 
     /// Lives as long as the process; its thread starts with the first work.
     DelegateQueue() = default;
+    ~DelegateQueue() = default;
     DelegateQueue(const DelegateQueue&) = delete;
     DelegateQueue& operator=(const DelegateQueue&) = delete;
 
