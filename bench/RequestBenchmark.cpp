@@ -1,6 +1,6 @@
-// What a request for an ad costs over a bare POST of the same bytes with its answer parsed, from the call of
-// the facade to its callback, against a server that answers from memory; and what each ad that is stored
-// already adds to it.
+// What a request for an ad costs, from the call of the facade to its callback, over a bare POST of the same
+// bytes with its answer parsed and the same texts written into a bare SQLite file, against a server that
+// answers from memory; and what each ad that is stored already adds to it, over writing it barely.
 
 #include "model/RecordOutput.h"
 #include "model/VLAdSuggestionFinalState.h"
@@ -14,6 +14,7 @@
 #include "sandbox/ScriptedServer.h"
 #include "support/Await.h"
 #include "support/BareCurl.h"
+#include "support/BareStore.h"
 #include "support/Measure.h"
 #include "support/Suggestions.h"
 
@@ -21,6 +22,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <utility>
 
 #include <stdlib.h>
 
@@ -68,14 +70,19 @@ double requests(int count) {
     });
 }
 
-/// What one stored ad adds to a request, in microseconds.
-double costOfAStoredAd() {
+/// What a thousand stored ads add to a request, and a bare write of them, in milliseconds.
+std::pair<double, double> costOfStoredAds(BareStore& store) {
     constexpr int kStored = 1000;
     constexpr int kMore = 100;
     VLDefaults::setCachedAds(nullptr);
     const double without = requests(kMore);
     requests(kStored - kMore);
-    return (requests(kMore) - without) * 1000 / kMore / kStored;
+    const auto text = recordToJson(*VLDefaults::getCachedAds()).value();
+    const double ours = (requests(kMore) - without) / kMore;
+    const double bare = milliseconds([&] {
+        for (int i = 0; i < kMore; ++i) store.set(text);
+    });
+    return {ours, bare / kMore};
 }
 
 BareCurl::Headers headersOf() {
@@ -115,6 +122,7 @@ int main() {
     request();
 
     BareCurl curl;
+    BareStore store(std::filesystem::path(folder) / "bare.sqlite3");
     std::vector<double> calls;
     std::vector<double> ours;
     std::vector<double> bare;
@@ -126,20 +134,24 @@ int main() {
                                            2, kZone, VLDefaults::getFinalStates(), nullptr))
                               .value();
         const auto headers = headersOf();
+        const auto states = recordToJson(*VLDefaults::getFinalStates()).value();
+        const auto ads = recordToJson(*VLDefaults::getCachedAds()).value();
         bare.push_back(milliseconds([&] {
             const auto answer =
                 boost::json::parse(curl.post(VLWebServices::getSuggestionsUrl(), body, headers));
             if (!answer.as_object().contains("suggestions")) std::_Exit(2);
+            store.set(states);
+            store.set(ads);
         }));
         const auto times = request();
         calls.push_back(times.call);
         ours.push_back(times.available);
     }
     heading("A request for a streamed ad, p50");
-    const int beyond = verdict("to onAdAvailable", median(ours), median(bare), 1.3);
+    int beyond = verdict("to onAdAvailable", median(ours), median(bare), 1.3);
     std::printf("  the call itself: %.0f us (at most 100)\n", median(calls) * 1000);
-    const double stored = costOfAStoredAd();
-    std::printf("  each ad that is stored already: %.1f us (at most 8)\n", stored);
+    const auto [stored, written] = costOfStoredAds(store);
+    beyond += verdict("what 1000 stored ads add", stored, written, 4);
     std::filesystem::remove_all(folder);
-    return beyond > 0 || median(calls) > 0.1 || stored > 8 ? 1 : 0;
+    return beyond > 0 || median(calls) > 0.1 ? 1 : 0;
 }
