@@ -31,7 +31,8 @@ VLCreativeType VLDirectCreativeModel::getCreativeTypeEnum() const {
 bool VLDirectCreativeModel::isSupported() const {
     switch (getCreativeTypeEnum()) {
     case VLCreativeType::rewardedVideo:
-    case VLCreativeType::video: return action && ctaUrl && platform::equals(action->actionType, VLActionType::page);
+    case VLCreativeType::video:
+        return action && ctaUrl && platform::equals(action->actionType, VLActionType::page);
     case VLCreativeType::banner: return ctaUrl.has_value();
     case VLCreativeType::unknown: break;
     }

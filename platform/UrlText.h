@@ -16,8 +16,8 @@ enum class UrlCharacters {
 
 [[nodiscard]] std::string percentEncoded(std::string_view text, UrlCharacters allowed);
 
-/// Whether it is a URL, or a reference to one: what is downloaded, played, shown and opened is one, or nothing
-/// is. Its bytes are those that RFC 3986 has, brackets in a query included; each % stands before two
+/// Whether it is a URL, or a reference to one: what is downloaded, played, shown and opened is one, or
+/// nothing is. Its bytes are those that RFC 3986 has, brackets in a query included; each % stands before two
 /// hexadecimal digits; and host and port are well-formed.
 [[nodiscard]] bool isUrl(std::string_view text);
 
