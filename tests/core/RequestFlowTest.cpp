@@ -1,5 +1,6 @@
 #include "core/VLLog.h"
 #include "core/VelmoraManager.h"
+#include "model/AtomicProperty.h"
 #include "model/VLDefaults.h"
 #include "platform/Directories.h"
 #include "platform/FileManager.h"
@@ -144,7 +145,7 @@ protected:
     }
 
     Script respond(const SeenRequest& request) {
-        if (request.target == "/v2/suggestions/") return answer_;
+        if (request.target == "/v2/suggestions/") return answer_.get();
         if (onMedia_) onMedia_();
         if (request.target.starts_with("/media/lost")) return {};
         return Script::answer(200, "a video");
@@ -157,7 +158,8 @@ protected:
     }
 
     LogCapture log_;
-    Script answer_;
+    /// The server's threads read it.
+    AtomicProperty<Script> answer_;
     std::function<void()> onMedia_;
     std::vector<std::shared_ptr<VelmoraAd>> expired_;
     ScriptedServer server_{[this](const SeenRequest& request) { return respond(request); }};
@@ -206,7 +208,7 @@ TEST_F(RequestFlow, TheStepsOfAnAnswerComeInTheirOrder) {
                                                     : std::vector<std::string>{"a 2"};
         SCOPED_TRACE(one.heard + " " + user);
         clearStore();
-        answer_ = Script::answer(200, answer(one.suggestions, R"("velmoraUserId": ")" + user + R"(", )"));
+        answer_.set(Script::answer(200, answer(one.suggestions, R"("velmoraUserId": ")" + user + R"(", )")));
         // The lines of the steps, each with what was kept when it was written.
         std::vector<std::string> said;
         const auto before = platform::setLogSink([&](std::string_view line) {
@@ -242,7 +244,7 @@ TEST_F(RequestFlow, AnAdIsReadyWhenItsDownloadIsDone) {
     UseManualClock clock;
     onMedia_ = [&] { clock->advance(5s); };
     const auto before = platform::nowInMilliseconds();
-    answer_ = Script::answer(200, answer(suggestion("a", server_.url("/media/v"))));
+    answer_.set(Script::answer(200, answer(suggestion("a", server_.url("/media/v")))));
     EXPECT_EQ(request(options(1)).ad->getCacheTime(), before + 5000);
 }
 
@@ -251,7 +253,7 @@ TEST_F(RequestFlow, AVideoThatCannotBeWrittenIsOfferedWithAPathToNoFile) {
     std::filesystem::remove_all(documents);
     // A file where the folder should be.
     ASSERT_TRUE(platform::FileManager::write(documents, ""));
-    answer_ = Script::answer(200, answer(suggestion("a", server_.url("/media/v"))));
+    answer_.set(Script::answer(200, answer(suggestion("a", server_.url("/media/v")))));
     const auto heard = request(options(1));
     std::filesystem::remove(documents);
 
@@ -280,7 +282,7 @@ TEST_F(RequestFlow, ARequestLetsItsCallbacksGoOnceItHasItsAnswer) {
         {Script::answer(500, ""), 2, false},
     };
     for (const auto& one : cases) {
-        answer_ = one.answer;
+        answer_.set(one.answer);
         const auto gone = std::make_shared<Await<std::string>>();
         // Something of the application's that tells when it is destroyed.
         const auto held = [&gone](const std::string& name) {
@@ -301,12 +303,12 @@ TEST_F(RequestFlow, ARequestLetsItsCallbacksGoOnceItHasItsAnswer) {
 }
 
 TEST_F(RequestFlow, EachRequestCarriesTheStatesOfTheAnswerBeforeIt) {
-    answer_ = Script::answer(
-        200, answer(suggestion("a", "u") + "," + suggestion("b", "u"), R"("velmoraUserId": "7", )"));
+    answer_.set(Script::answer(
+        200, answer(suggestion("a", "u") + "," + suggestion("b", "u"), R"("velmoraUserId": "7", )")));
     request(options(1));
-    answer_ = Script::answer(500, "");
+    answer_.set(Script::answer(500, ""));
     request();
-    answer_ = Script::answer(200, answer(""));
+    answer_.set(Script::answer(200, answer("")));
     request(nullptr, "");
     EXPECT_TRUE(log_.has("Empty zoneId replaced with nil"));
     log_.clear();
@@ -364,7 +366,7 @@ TEST_F(RequestFlow, WhateverTheServiceAnswersEndsInOneCallback) {
     };
     VLDefaults::setVelmoraUserId("u-1");
     for (const auto& one : cases) {
-        answer_ = one.answer;
+        answer_.set(one.answer);
         EXPECT_EQ(request().what, one.heard) << one.answer.bytes.substr(0, 300);
     }
     EXPECT_EQ(VLDefaults::getVelmoraUserId(), "u-1");
@@ -373,8 +375,8 @@ TEST_F(RequestFlow, WhateverTheServiceAnswersEndsInOneCallback) {
 TEST_F(RequestFlow, TheOrderIsTheServicesUnlessItAsksForChance) {
     const auto three = suggestion("a", "u") + "," + suggestion("b", "u") + "," + suggestion("c", "u");
     for (const bool byChance : {false, true}) {
-        answer_ = Script::answer(200, answer(three, byChance ? R"("selectDirectAdRandomly": true, )"
-                                                             : R"("selectDirectAdRandomly": false, )"));
+        answer_.set(Script::answer(200, answer(three, byChance ? R"("selectDirectAdRandomly": true, )"
+                                                               : R"("selectDirectAdRandomly": false, )")));
         std::set<std::string> seen;
         // All three come within 100 rounds but for one run in 10^17.
         for (int round = 0; round < 100 && seen.size() < 3; ++round) seen.insert(request().what);
@@ -385,12 +387,12 @@ TEST_F(RequestFlow, TheOrderIsTheServicesUnlessItAsksForChance) {
 TEST_F(RequestFlow, TheExpiryNoticeComesOnTheMainThreadWhenTheTimeIsUp) {
     UseManualClock clock;
     Application application;
-    answer_ = Script::answer(
-        200, answer(suggestion("a", server_.url("/media/v"), R"("expirationTimeInMillis": 5000, )")));
+    answer_.set(Script::answer(
+        200, answer(suggestion("a", server_.url("/media/v"), R"("expirationTimeInMillis": 5000, )"))));
     const auto ad = request(options(1)).ad;
-    answer_ = Script::answer(200, answer(suggestion("b", "u", R"("expirationTimeInMillis": "4000", )")));
+    answer_.set(Script::answer(200, answer(suggestion("b", "u", R"("expirationTimeInMillis": "4000", )"))));
     const auto early = request().ad;
-    answer_ = Script::answer(200, answer(suggestion("c", "u")));
+    answer_.set(Script::answer(200, answer(suggestion("c", "u"))));
     request();
 
     clock->advance(3999ms);
@@ -410,14 +412,14 @@ TEST_F(RequestFlow, TheExpiryNoticeComesOnTheMainThreadWhenTheTimeIsUp) {
 
 TEST_F(RequestFlow, NoCallbackBeginsOnceTheProcessHasLeftMain) {
     const TemporaryDirectory data;
-    answer_ = Script::answer(200, answer(suggestion("a", "u")));
+    answer_.set(Script::answer(200, answer(suggestion("a", "u"))));
     const auto ended = runProgram({VELMORA_REQUEST_LEAVER}, {{"XDG_DATA_HOME", data.path().string()}});
     EXPECT_EQ(ended.status, 0) << ended.errors;
     EXPECT_EQ(asked().size(), 8U);
 }
 
 TEST_F(RequestFlow, ACallbackMayAskAgainAndThrow) {
-    answer_ = Script::answer(200, answer(suggestion("a", "u")));
+    answer_.set(Script::answer(200, answer(suggestion("a", "u"))));
     const auto ends = std::make_shared<Await<bool>>();
     const std::function<void(int)> ask = [&](int left) {
         Velmora::requestAdForZone(

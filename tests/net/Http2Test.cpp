@@ -9,9 +9,10 @@
 #include <chrono>
 #include <cstdio>
 
+#include <netinet/in.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
-#include <boost/asio.hpp>
 #include <gmock/gmock.h>
 
 namespace velmora::test {
@@ -21,8 +22,6 @@ namespace {
 using platform::UrlOutcome;
 using platform::UrlRequest;
 using platform::UrlSession;
-
-using Tcp = boost::asio::ip::tcp;
 
 constexpr const char* kServerProgram = "/usr/sbin/nghttpd";
 
@@ -38,6 +37,30 @@ UrlOutcome fetch(const std::string& url, const std::optional<std::filesystem::pa
     return end.values().front();
 }
 
+/// A port that is bound and not listened on, with what the server sets too: it alone can have it.
+class ReservedPort {
+public:
+    ReservedPort() : socket_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+        const int yes = 1;
+        ::setsockopt(socket_, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+        address_.sin_family = AF_INET;
+        address_.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        auto* const address = reinterpret_cast<sockaddr*>(&address_);
+        socklen_t size = sizeof address_;
+        EXPECT_EQ(::bind(socket_, address, size), 0);
+        EXPECT_EQ(::getsockname(socket_, address, &size), 0);
+    }
+    ~ReservedPort() { ::close(socket_); }
+    ReservedPort(const ReservedPort&) = delete;
+    ReservedPort& operator=(const ReservedPort&) = delete;
+
+    [[nodiscard]] int number() const { return ntohs(address_.sin_port); }
+
+private:
+    int socket_;
+    sockaddr_in address_{};
+};
+
 // The server speaks nothing else.
 TEST(Http2, ExchangesThatShareAConnectionAreEachWhole) {
     if (::access(kServerProgram, X_OK) != 0) GTEST_SKIP() << kServerProgram << " is not installed";
@@ -47,12 +70,8 @@ TEST(Http2, ExchangesThatShareAConnectionAreEachWhole) {
     writeContent(folder / "key", certificates->key);
     writeContent(folder / "large", std::string(3'000'000, 'l'));
     for (int i = 0; i < 50; ++i) writeContent(folder / std::to_string(i), "body " + std::to_string(i));
-    // Bound and not listened on, with what the server sets too: it alone can have the port.
-    boost::asio::io_context context;
-    Tcp::socket reserved(context, Tcp::v4());
-    reserved.set_option(Tcp::socket::reuse_address(true));
-    reserved.bind({boost::asio::ip::address_v4::loopback(), 0});
-    const auto port = std::to_string(reserved.local_endpoint().port());
+    const ReservedPort reserved;
+    const auto port = std::to_string(reserved.number());
     const Process server([&] {
         if (std::freopen((folder / "journal").c_str(), "w", stdout) == nullptr) return;
         ::execl(kServerProgram, kServerProgram, "--verbose", "--address=127.0.0.1", "--htdocs",
