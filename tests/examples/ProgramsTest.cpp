@@ -110,7 +110,7 @@ TEST(Programs, ARequestWhoseAnswerIsCutShortEndsInOneError) {
         const auto ended =
             runProgram({VELMORA_REQUEST, "--zone", "z"}, {{"VELMORA_API_BASE_URL", server.url("/v2")},
                                                           {"XDG_DATA_HOME", data.path().string()}});
-        EXPECT_EQ(ended.status, 0);
+        EXPECT_EQ(ended.status, 0) << ended.errors;
         const boost::json::array expected{
             {{"event", "error"},
              {"zone", "z"},
