@@ -17,8 +17,10 @@ using sandbox::SeenRequest;
 constexpr int kRounds = 10;
 
 /// Ends well, and long before anything in it times out.
-void runLeaver(std::vector<std::string> words) {
-    words.insert(words.begin(), VELMORA_LEAVER);
+void runLeaver(const std::vector<std::string>& arguments) {
+    std::vector<std::string> words(1);
+    words.front().assign(VELMORA_LEAVER);
+    words.insert(words.end(), arguments.begin(), arguments.end());
     const auto start = std::chrono::steady_clock::now();
     ASSERT_EQ(runProgram(words).status, 0);
     ASSERT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
