@@ -17,6 +17,14 @@ namespace velmora::test {
 
 namespace {
 
+/// The ad, with its video in that file.
+std::shared_ptr<VelmoraAd> downloadedTo(const std::filesystem::path& file, std::shared_ptr<VelmoraAd> ad) {
+    std::ofstream(file) << "video";
+    ad->getRequestOptions()->setCacheType(VLCacheType::cached);
+    ad->state().setVideoFilePath(file.string());
+    return ad;
+}
+
 using platform::Application;
 using platform::NavigationController;
 using platform::TabBarController;
@@ -40,10 +48,7 @@ TEST_F(AdShow, TheSourceIsThatOfTheCacheTypeAndAReplayKeepsIt) {
 
     const TemporaryDirectory folder;
     const auto file = folder / "video.mp4";
-    std::ofstream(file) << "video";
-    const auto ad = ready("s", video());
-    ad->getRequestOptions()->setCacheType(VLCacheType::cached);
-    ad->state().setVideoFilePath(file.string());
+    const auto ad = downloadedTo(file, ready("s", video()));
     show(ad);
     EXPECT_EQ(player()->source, "file " + file.string());
 }
@@ -100,10 +105,7 @@ TEST_F(AdShow, WhatMayNotBeShownIsLoggedAndNotShown) {
 TEST_F(AdShow, OneThatBecomesInvalidBeforeItsTurnLeavesTheScreenEmpty) {
     const TemporaryDirectory folder;
     const auto file = folder / "video.mp4";
-    std::ofstream(file) << "video";
-    const auto ad = ready("s", video());
-    ad->getRequestOptions()->setCacheType(VLCacheType::cached);
-    ad->state().setVideoFilePath(file.string());
+    const auto ad = downloadedTo(file, ready("s", video()));
     ad->showWithOptions(nullptr);
     std::filesystem::remove(file);
     rest();
