@@ -80,6 +80,16 @@ long peakKilobytes() {
     return usage.ru_maxrss;
 }
 
+/// What this process has used of the processors, in milliseconds.
+double processorMilliseconds() {
+    rusage usage{};
+    ::getrusage(RUSAGE_SELF, &usage);
+    const auto of = [](const timeval& time) {
+        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
+    };
+    return of(usage.ru_utime) + of(usage.ru_stime);
+}
+
 int compareDownloads(const std::string& base) {
     const auto folder = platform::FileManager::documentsDirectory();
     int number = 0;
@@ -102,14 +112,23 @@ int compareDownloads(const std::string& base) {
     BareCurl curl;
     std::vector<double> oursTimes;
     std::vector<double> bareTimes;
+    std::vector<double> oursWork;
+    std::vector<double> bareWork;
     for (int round = 0; round < 21; ++round) {
+        const double start = processorMilliseconds();
         oursTimes.push_back(milliseconds([&] { ours("/video"); }));
+        const double middle = processorMilliseconds();
         removeOurs();
         const auto file = (folder / "bare").string();
+        const double next = processorMilliseconds();
         bareTimes.push_back(milliseconds([&] { curl.download(base + "/video", file); }));
+        oursWork.push_back(middle - start);
+        bareWork.push_back(processorMilliseconds() - next);
         std::filesystem::remove(file);
     }
-    return verdict("a 50 MB video, to the disk", median(oursTimes), median(bareTimes), 1.15);
+    // The disk takes most of the time; what we do ourselves is seen in the processor's.
+    return verdict("a 50 MB video, to the disk", median(oursTimes), median(bareTimes), 1.15) +
+           verdict("the processor's time of it", median(oursWork), median(bareWork), 1.15);
 }
 
 int comparePosts(const std::string& base) {
@@ -122,7 +141,7 @@ int comparePosts(const std::string& base) {
         VLClient::sendRequestOfMethod(
             {.method = VLHttpRequestMethod::post,
              .url = path,
-             .body = body,
+             .body = platform::writeJson(body),
              .receive = receive<VLSuggestionListDirectResponseModel>(),
              .success = [&](std::int64_t, const VLResult&) { end.add(millisecondsSince(start)); },
              .failure = [&](const VLClientError&) { std::exit(2); }});

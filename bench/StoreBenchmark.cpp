@@ -42,14 +42,16 @@ int main() {
 
         bench::Comparison comparison("A record of " + std::to_string(text.size()) + " bytes");
         comparison.measure("set", 1.3, setOurs, [&] { bare.set(value); });
-        comparison.measure("get", 1.3, getOurs, [&] { benchmark::DoNotOptimize(bare.get()); });
+        // The bare side makes no record of the value.
+        comparison.measure("get", 1.6, getOurs, [&] { benchmark::DoNotOptimize(bare.get()); });
 
         const auto many = bench::answer(100);
         defaults.setJson(many, "list");
+        bare.set(many);
         comparison.measure(
-            "add to a list of 100, over writing them", 4,
+            "add to a list of 100", 2,
             [&] { defaults.appendToList("suggestions", R"({"suggestions":[{"title":"t"}]})", "list"); },
-            [&] { bare.set(many); });
+            [&] { bare.append(R"({"title":"t"})", "$.suggestions[#]"); });
         result = comparison.result();
     }
     std::filesystem::remove_all(folder);

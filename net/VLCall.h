@@ -22,8 +22,8 @@ struct VLCall {
     std::string url = {};
     /// Appended as they stand; an empty dictionary leaves a question mark.
     std::optional<Dictionary> params = {};
-    /// Sent with POST and PUT only.
-    std::optional<Dictionary> body = {};
+    /// JSON text, sent with POST and PUT only.
+    std::optional<std::string> body = {};
     /// Whether the library's own headers go along, as they are when it is sent.
     bool includeCustomHeaders = false;
     /// The class of the result; text when it is empty.

@@ -1,6 +1,7 @@
 #include "net/VLClient.h"
 
 #include "core/VLLog.h"
+#include "model/RecordOutput.h"
 #include "model/VLDefaults.h"
 #include "model/VLTokenResponse.h"
 #include "net/VLRequestHeaders.h"
@@ -75,7 +76,7 @@ void complete(platform::UrlOutcome outcome, const VLReceive& receive, const VLCl
 /// An attempt, with a failure of its own.
 std::shared_ptr<VLDataTask> send(const VLCall& call, const VLClientFailure& failure) {
     const auto method = VLClient::getStringOfHttpRequestMethod(call.method);
-    const auto data = call.body && carriesBody(call.method) ? platform::writeJson(*call.body) : std::nullopt;
+    const auto data = carriesBody(call.method) ? call.body : std::nullopt;
     const auto headers =
         call.includeCustomHeaders ? std::optional(VLRequestHeaders::getHeaders()) : std::nullopt;
     auto request = VLClient::requestWithURL(urlOf(call), method, data, headers);
@@ -128,7 +129,7 @@ std::shared_ptr<VLDataTask> VLClient::sendRequestOfMethod(const VLCall& call, VL
 std::shared_ptr<VLDataTask> VLClient::sendRequestOfMethod(VLCall call,
                                                           const std::shared_ptr<VLSerializedModel>& withBody,
                                                           VLRetryMode retry) {
-    call.body = withBody ? std::optional(dictionaryOf(*withBody)) : std::nullopt;
+    call.body = withBody ? recordToJson(*withBody) : std::nullopt;
     return sendRequestOfMethod(call, retry);
 }
 

@@ -5,7 +5,7 @@
 #include "model/VLSuggestionListDirectResponseModel.h"
 #include "net/VLCachedRequestItem.h"
 #include "net/VLClient.h"
-#include "platform/Value.h"
+#include "platform/Json.h"
 
 #include <cstdlib>
 #include <utility>
@@ -40,6 +40,11 @@ std::optional<std::vector<std::string>> textsOf(const Property& property) {
 std::optional<Dictionary> dictionaryIn(const Property& property) {
     const auto* dictionary = property ? property->if_object() : nullptr;
     return dictionary != nullptr ? std::optional(*dictionary) : std::nullopt;
+}
+
+std::optional<std::string> jsonOfDictionaryIn(const Property& property) {
+    const auto* dictionary = property ? property->if_object() : nullptr;
+    return dictionary != nullptr ? platform::writeJson(*dictionary) : std::nullopt;
 }
 
 /// What a request of the queue removes from the store once the service has dealt with it. The final states go
@@ -148,7 +153,7 @@ void VLWebServices::callCachedRequest(const std::shared_ptr<VLCachedRequestItem>
     callWebServiceOfMethod({.method = item->getHTTPRequestMode(),
                             .url = platform::asString(item->getUrl()).value_or(std::string()),
                             .params = dictionaryIn(item->getInputs()),
-                            .body = dictionaryIn(item->getJsonParams()),
+                            .body = jsonOfDictionaryIn(item->getJsonParams()),
                             .includeCustomHeaders = item->shouldIncludeCustomHeaders(),
                             .receive = remove ? receive<VLRewardResponseModel>() : VLReceive(),
                             .success = onSuccess,

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 
 #include <boost/json.hpp>
 #include <sqlite3.h>
@@ -22,19 +23,23 @@ public:
             nullptr, nullptr, nullptr);
         sqlite3_prepare_v2(database_, "SELECT value FROM defaults WHERE key = ?1", -1, &get_, nullptr);
         sqlite3_prepare_v2(database_, "REPLACE INTO defaults(key, value) VALUES(?1, ?2)", -1, &set_, nullptr);
+        sqlite3_prepare_v2(database_,
+                           "UPDATE defaults SET value = json_insert(value, ?3, json(?2)) WHERE key = ?1", -1,
+                           &append_, nullptr);
     }
 
     ~BareStore() {
         sqlite3_finalize(get_);
         sqlite3_finalize(set_);
+        sqlite3_finalize(append_);
         sqlite3_close(database_);
     }
 
     BareStore(const BareStore&) = delete;
     BareStore& operator=(const BareStore&) = delete;
 
-    boost::json::value get() {
-        sqlite3_bind_text(get_, 1, "key", 3, SQLITE_STATIC);
+    boost::json::value get(std::string_view key = kKey) {
+        bind(get_, 1, key);
         sqlite3_step(get_);
         const auto* text = static_cast<const char*>(sqlite3_column_blob(get_, 0));
         auto value = boost::json::parse({text, static_cast<std::size_t>(sqlite3_column_bytes(get_, 0))});
@@ -44,17 +49,33 @@ public:
 
     void set(const boost::json::value& value) { set(boost::json::serialize(value)); }
 
-    void set(const std::string& text) {
-        sqlite3_bind_text(set_, 1, "key", 3, SQLITE_STATIC);
-        sqlite3_bind_text(set_, 2, text.data(), static_cast<int>(text.size()), SQLITE_STATIC);
+    void set(const std::string& text, std::string_view key = kKey) {
+        bind(set_, 1, key);
+        bind(set_, 2, text);
         sqlite3_step(set_);
         sqlite3_reset(set_);
     }
 
+    /// Adds one element to the array at `path`, which ends in "[#]".
+    void append(const std::string& element, const std::string& path, std::string_view key = kKey) {
+        bind(append_, 1, key);
+        bind(append_, 2, element);
+        bind(append_, 3, path);
+        sqlite3_step(append_);
+        sqlite3_reset(append_);
+    }
+
 private:
+    static constexpr std::string_view kKey = "key";
+
+    static void bind(sqlite3_stmt* statement, int index, std::string_view text) {
+        sqlite3_bind_text(statement, index, text.data(), static_cast<int>(text.size()), SQLITE_STATIC);
+    }
+
     sqlite3* database_ = nullptr;
     sqlite3_stmt* get_ = nullptr;
     sqlite3_stmt* set_ = nullptr;
+    sqlite3_stmt* append_ = nullptr;
 };
 
 }  // namespace velmora::bench
