@@ -160,11 +160,9 @@ int comparePosts(const std::string& base) {
         oursTimes.push_back(ours());
         bareTimes.push_back(milliseconds(bare));
     }
-    // Two hand-overs between threads, whose cost depends on the machine and not on the exchange.
-    constexpr double handOvers = 0.08;
     const double bareTime = median(bareTimes);
     return verdict("a POST and its answer, p50", median(oursTimes), bareTime,
-                   std::max((bareTime + handOvers) / bareTime, 2.5));
+                   std::max((bareTime + kHandOvers) / bareTime, 2.5));
 }
 
 int compareBursts(const std::string& base) {

@@ -9,6 +9,10 @@ namespace velmora::bench {
 
 using Clock = std::chrono::steady_clock;
 
+/// What an exchange may cost, in milliseconds, for being handed from thread to thread and back: it depends on
+/// the machine, not on the exchange.
+inline constexpr double kHandOvers = 0.08;
+
 inline double millisecondsSince(Clock::time_point start) {
     return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
 }
