@@ -89,6 +89,7 @@ TEST_F(Place, AnIncompletePlaceIsTakenUpToWhatIsMissing) {
     // Without lines of an address, nothing at all is taken.
     fixIn(R"({"name": "n3", "address": {"city": "c3"}})", {kFix});
     EXPECT_EQ(record().at("geoInfoLocation"), mixed);
+    EXPECT_TRUE(log.has("the place has no address"));
 }
 
 TEST_F(Place, AnErrorLeavesEverythingAsItWas) {

@@ -16,6 +16,8 @@
 
 #include <gmock/gmock.h>
 
+#include <sched.h>
+
 namespace velmora::test {
 
 namespace {
@@ -241,6 +243,15 @@ TEST(Reachability, ItFollowsTheRoutesOfTheMachine) {
     EXPECT_EQ(platform::Reachability::flags("not an address"), std::nullopt);
     const bool isOutside = platform::Reachability::flags("9.9.9.9") == platform::Reachability::kReachable;
     EXPECT_EQ(VLRequestHeaders::connectionType(), isOutside ? "wifi" : "none");
+}
+
+TEST(Reachability, WithoutARouteThereIsNoConnection) {
+    // In a network of its own, which has no routes; where the system allows one.
+    const auto check = [] {
+        const bool isAlone = ::unshare(CLONE_NEWUSER | CLONE_NEWNET) == 0;
+        std::_Exit(!isAlone || VLRequestHeaders::connectionType() == "none" ? 0 : 1);
+    };
+    EXPECT_EXIT(check(), testing::ExitedWithCode(0), "");
 }
 
 TEST_F(UrlSessionTest, ADownloadIsPublishedWholeOrNotAtAll) {

@@ -279,6 +279,8 @@ TEST_F(WebPage, APageMayGoInTheMiddleOfACall) {
 TEST_F(WebPage, APageTakesItsWidgetOutOfWhatItLaysIn) {
     QWidget parent;
     page->widget()->setParent(&parent);
+    // A file that is let go over it would take the place of the page.
+    EXPECT_FALSE(page->widget()->acceptDrops());
     ASSERT_TRUE(loads(server.url("/plain")));
     page.reset();
     EXPECT_THAT(parent.children(), IsEmpty());
