@@ -1,12 +1,12 @@
 // What the network costs over bare libcurl: a POST with its answer read, a burst of GETs, and a download.
 
+#include "harness/Await.h"
 #include "model/VLSuggestionListDirectResponseModel.h"
 #include "net/VLClient.h"
 #include "net/VLInternetCacher.h"
 #include "net/VLWebServices.h"
 #include "platform/FileManager.h"
 #include "sandbox/ScriptedServer.h"
-#include "support/Await.h"
 #include "support/BareCurl.h"
 #include "support/Measure.h"
 #include "support/Suggestions.h"

@@ -3,6 +3,7 @@
 // the ad added to those in a bare SQLite file. The server answers from memory. And what each ad that is
 // stored already adds to it, over what it adds to the bare file.
 
+#include "harness/Await.h"
 #include "model/RecordOutput.h"
 #include "model/VLAdSuggestionFinalState.h"
 #include "model/VLCachedVelmoraAds.h"
@@ -13,7 +14,6 @@
 #include "net/VLWebServices.h"
 #include "platform/Json.h"
 #include "sandbox/ScriptedServer.h"
-#include "support/Await.h"
 #include "support/BareCurl.h"
 #include "support/BareStore.h"
 #include "support/Measure.h"

@@ -1,4 +1,6 @@
 #include "core/VelmoraAdState.h"
+#include "harness/EventLoop.h"
+#include "harness/Videos.h"
 #include "model/VLAdSuggestion.h"
 #include "model/VLAdSuggestionFinalState.h"
 #include "model/VLCachedVelmoraAds.h"
@@ -9,10 +11,8 @@
 #include "platform/Json.h"
 #include "platform/Screen.h"
 #include "support/BareVideo.h"
-#include "support/EventLoop.h"
 #include "support/Measure.h"
 #include "support/PlayedVideo.h"
-#include "support/Videos.h"
 #include "ui/VLAVPlayerViewController.h"
 #include "ui/VLAdShowUIController.h"
 

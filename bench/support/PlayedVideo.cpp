@@ -1,8 +1,8 @@
 #include "support/PlayedVideo.h"
 
+#include "harness/EventLoop.h"
 #include "platform/Application.h"
 #include "platform/desktop/QtPlayer.h"
-#include "support/EventLoop.h"
 #include "ui/VLAVPlayerViewController.h"
 #include <velmora/VLAdShowOptions.h>
 

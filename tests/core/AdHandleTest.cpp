@@ -1,13 +1,13 @@
 #include "core/VLAdRequestOptionsState.h"
 #include "core/VLLog.h"
 #include "core/VelmoraAdState.h"
+#include "harness/TemporaryDirectory.h"
 #include "model/VLActionModel.h"
 #include "model/VLAdSuggestion.h"
 #include "platform/FileManager.h"
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
 #include "support/Records.h"
-#include "support/TemporaryDirectory.h"
 
 #include <optional>
 #include <string>

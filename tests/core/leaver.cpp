@@ -1,7 +1,7 @@
 // Leaves main while a callback of one request still runs and the answers of others wait behind it. Ends with
 // status 0 when none of them is called any more.
 
-#include "support/Await.h"
+#include "harness/Await.h"
 
 #include <cstdlib>
 

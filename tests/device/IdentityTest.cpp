@@ -1,7 +1,7 @@
+#include "harness/Files.h"
+#include "harness/TemporaryDirectory.h"
 #include "support/Environment.h"
-#include "support/Files.h"
 #include "support/Program.h"
-#include "support/TemporaryDirectory.h"
 
 #include <filesystem>
 #include <sstream>

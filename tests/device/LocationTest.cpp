@@ -1,11 +1,11 @@
 #include "platform/Location.h"
 
-#include "support/EventLoop.h"
-#include "support/Files.h"
+#include "harness/EventLoop.h"
+#include "harness/Files.h"
+#include "harness/TemporaryDirectory.h"
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
 #include "support/SystemServices.h"
-#include "support/TemporaryDirectory.h"
 
 #include <chrono>
 #include <string>

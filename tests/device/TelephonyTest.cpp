@@ -1,8 +1,8 @@
 #include "platform/Telephony.h"
 
-#include "support/EventLoop.h"
+#include "harness/EventLoop.h"
+#include "harness/TemporaryDirectory.h"
 #include "support/SystemServices.h"
-#include "support/TemporaryDirectory.h"
 
 #include <chrono>
 #include <string>

@@ -2,11 +2,11 @@
 
 #include "device/GeoInfo.h"
 #include "device/GeoInfoLocationIOS.h"
+#include "harness/EventLoop.h"
 #include "platform/Location.h"
 #include "platform/Telephony.h"
 #include "sandbox/Sandbox.h"
 #include "support/Environment.h"
-#include "support/EventLoop.h"
 #include "support/Program.h"
 #include "support/Records.h"
 #include "support/SystemServices.h"

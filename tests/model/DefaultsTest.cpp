@@ -1,9 +1,9 @@
 #include "model/VLDefaults.h"
 
+#include "harness/Files.h"
 #include "platform/Directories.h"
 #include "platform/UserDefaults.h"
 #include "support/AllRecords.h"
-#include "support/Files.h"
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
 #include "support/Records.h"

@@ -1,10 +1,10 @@
+#include "harness/Await.h"
+#include "harness/Files.h"
+#include "harness/TemporaryDirectory.h"
 #include "platform/UrlSession.h"
-#include "support/Await.h"
 #include "support/Certificates.h"
 #include "support/Environment.h"
-#include "support/Files.h"
 #include "support/Process.h"
-#include "support/TemporaryDirectory.h"
 
 #include <chrono>
 #include <cstdio>

@@ -1,5 +1,5 @@
+#include "harness/Await.h"
 #include "sandbox/ScriptedServer.h"
-#include "support/Await.h"
 #include "support/Program.h"
 
 #include <chrono>

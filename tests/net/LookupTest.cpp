@@ -1,6 +1,6 @@
+#include "harness/Await.h"
 #include "platform/UrlSession.h"
 #include "sandbox/ScriptedServer.h"
-#include "support/Await.h"
 
 #include <dlfcn.h>
 #include <netdb.h>

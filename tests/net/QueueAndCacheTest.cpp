@@ -1,5 +1,7 @@
 #include "device/VLMD5.h"
 #include "device/VLUserExtraInfoModel.h"
+#include "harness/Await.h"
+#include "harness/Files.h"
 #include "model/VLAdSuggestion.h"
 #include "model/VLDefaults.h"
 #include "model/VLDirectCreativeModel.h"
@@ -15,9 +17,7 @@
 #include "platform/Json.h"
 #include "sandbox/ScriptedServer.h"
 #include "support/Application.h"
-#include "support/Await.h"
 #include "support/Environment.h"
-#include "support/Files.h"
 #include "support/ManualClock.h"
 #include "support/OddUrls.h"
 

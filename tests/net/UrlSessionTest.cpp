@@ -1,13 +1,13 @@
 #include "platform/UrlSession.h"
 
+#include "harness/Await.h"
+#include "harness/Files.h"
+#include "harness/TemporaryDirectory.h"
 #include "net/VLRequestHeaders.h"
 #include "platform/Reachability.h"
 #include "sandbox/ScriptedServer.h"
-#include "support/Await.h"
 #include "support/Certificates.h"
-#include "support/Files.h"
 #include "support/LogCapture.h"
-#include "support/TemporaryDirectory.h"
 
 #include <atomic>
 #include <cstdlib>

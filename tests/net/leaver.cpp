@@ -2,8 +2,8 @@
 // and, if the server holds its answers back until then, the URL that tells it that main was left: what waits
 // for the host is then still to start while the application's own exit work runs.
 
+#include "harness/Await.h"
 #include "platform/UrlSession.h"
-#include "support/Await.h"
 
 #include <cstdlib>
 #include <string>

@@ -2,7 +2,7 @@
 #include "platform/Screen.h"
 #include "platform/ViewController.h"
 
-#include "support/EventLoop.h"
+#include "harness/EventLoop.h"
 #include "support/LogCapture.h"
 #include "support/OddUrls.h"
 #include "support/Opener.h"

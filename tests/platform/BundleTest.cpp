@@ -1,9 +1,9 @@
 #include "platform/Bundle.h"
 
+#include "harness/TemporaryDirectory.h"
 #include "platform/Directories.h"
 #include "support/Environment.h"
 #include "support/LogCapture.h"
-#include "support/TemporaryDirectory.h"
 
 #include <fstream>
 

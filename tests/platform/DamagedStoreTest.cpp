@@ -1,12 +1,12 @@
+#include "harness/Files.h"
+#include "harness/TemporaryDirectory.h"
 #include "platform/Json.h"
 #include "platform/OneWait.h"
 #include "platform/UserDefaults.h"
-#include "support/Files.h"
 #include "support/FullDisk.h"
 #include "support/LogCapture.h"
 #include "support/Process.h"
 #include "support/StoreFiles.h"
-#include "support/TemporaryDirectory.h"
 #include "support/Threads.h"
 
 #include <algorithm>

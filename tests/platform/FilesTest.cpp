@@ -1,10 +1,10 @@
 #include "platform/FileManager.h"
 
+#include "harness/Files.h"
+#include "harness/TemporaryDirectory.h"
 #include "platform/Directories.h"
 #include "platform/desktop/PartialFile.h"
-#include "support/Files.h"
 #include "support/FullDisk.h"
-#include "support/TemporaryDirectory.h"
 
 #include <atomic>
 #include <map>

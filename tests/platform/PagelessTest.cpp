@@ -1,6 +1,6 @@
+#include "harness/TemporaryDirectory.h"
 #include "support/Environment.h"
 #include "support/Program.h"
-#include "support/TemporaryDirectory.h"
 
 #include <filesystem>
 #include <map>

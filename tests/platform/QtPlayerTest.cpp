@@ -1,11 +1,11 @@
 #include "platform/desktop/QtPlayer.h"
 
+#include "harness/EventLoop.h"
+#include "harness/Videos.h"
 #include "sandbox/ScriptedServer.h"
 #include "support/Certificates.h"
 #include "support/Environment.h"
-#include "support/EventLoop.h"
 #include "support/OddUrls.h"
-#include "support/Videos.h"
 
 #include <algorithm>
 #include <cmath>

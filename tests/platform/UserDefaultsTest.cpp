@@ -1,14 +1,14 @@
 #include "platform/UserDefaults.h"
 
+#include "harness/Files.h"
+#include "harness/TemporaryDirectory.h"
 #include "platform/Json.h"
 #include "platform/OneWait.h"
-#include "support/Files.h"
 #include "support/FullDisk.h"
 #include "support/HeldStore.h"
 #include "support/LogCapture.h"
 #include "support/Process.h"
 #include "support/StoreFiles.h"
-#include "support/TemporaryDirectory.h"
 #include "support/Threads.h"
 
 #include <algorithm>

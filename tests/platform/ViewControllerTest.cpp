@@ -106,8 +106,8 @@ TEST_F(Screens, ContainersAnswerForWhatTheyShow) {
     const auto left = screen("left");
     const auto right = screen("right");
     right->mask = platform::InterfaceOrientationMask::portrait;
-    const auto tabs =
-        std::make_shared<TabBarController>(std::vector<std::shared_ptr<ViewController>>{left, nullptr, right});
+    const auto tabs = std::make_shared<TabBarController>(
+        std::vector<std::shared_ptr<ViewController>>{left, nullptr, right});
     const auto navigation = std::make_shared<NavigationController>(tabs);
     EXPECT_EQ(tabs->selectedViewController(), left);
     tabs->setSelectedIndex(2);

@@ -1,11 +1,11 @@
 #include "platform/Page.h"
 
+#include "harness/EventLoop.h"
+#include "harness/Files.h"
+#include "harness/TemporaryDirectory.h"
 #include "support/Environment.h"
-#include "support/EventLoop.h"
-#include "support/Files.h"
 #include "support/PageServer.h"
 #include "support/PageWatcher.h"
-#include "support/TemporaryDirectory.h"
 #include "ui/VLWebViewController.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 // It ends as applications do, with the page still there.
 #include "platform/Page.h"
 
-#include "support/EventLoop.h"
+#include "harness/EventLoop.h"
 #include "support/PageWatcher.h"
 
 #include <memory>

@@ -1,5 +1,5 @@
+#include "harness/TemporaryDirectory.h"
 #include "support/Exchange.h"
-#include "support/TemporaryDirectory.h"
 
 #include <csignal>
 #include <cstdio>

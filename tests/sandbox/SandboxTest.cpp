@@ -1,5 +1,8 @@
 #include "sandbox/Sandbox.h"
 
+#include "harness/Await.h"
+#include "harness/Files.h"
+#include "harness/TemporaryDirectory.h"
 #include "model/VLDefaults.h"
 #include "model/VLDirectAdSuggestionRequestJsonParams.h"
 #include "model/VLFinalStatesModel.h"
@@ -7,13 +10,10 @@
 #include "net/VLRequestHeaders.h"
 #include "net/VLWebServices.h"
 #include "sandbox/Zones.h"
-#include "support/Await.h"
 #include "support/Environment.h"
 #include "support/Exchange.h"
-#include "support/Files.h"
 #include "support/LastEntry.h"
 #include "support/Records.h"
-#include "support/TemporaryDirectory.h"
 #include "support/Threads.h"
 
 #include <set>

@@ -1,13 +1,13 @@
 #include <velmora/velmora.h>
 
+#include "harness/Files.h"
+#include "harness/TemporaryDirectory.h"
 #include "model/VLDefaults.h"
 #include "sandbox/Sandbox.h"
 #include "sandbox/Zones.h"
 #include "support/Environment.h"
 #include "support/Exchange.h"
-#include "support/Files.h"
 #include "support/LastEntry.h"
-#include "support/TemporaryDirectory.h"
 
 #include <cstdlib>
 #include <string>

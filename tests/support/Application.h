@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/EventLoop.h"
+#include "harness/EventLoop.h"
 
 #include <functional>
 #include <string>

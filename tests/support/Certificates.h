@@ -1,8 +1,8 @@
 #pragma once
 
+#include "harness/Files.h"
+#include "harness/TemporaryDirectory.h"
 #include "sandbox/Certificates.h"
-#include "support/Files.h"
-#include "support/TemporaryDirectory.h"
 
 #include <atomic>
 #include <memory>

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "harness/TemporaryDirectory.h"
 #include "support/Environment.h"
-#include "support/TemporaryDirectory.h"
 
 #include <filesystem>
 #include <fstream>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/TemporaryDirectory.h"
+#include "harness/TemporaryDirectory.h"
 
 #include <fstream>
 #include <map>

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "harness/EventLoop.h"
 #include "platform/Application.h"
 #include "platform/ViewController.h"
-#include "support/EventLoop.h"
 
 #include <algorithm>
 #include <functional>

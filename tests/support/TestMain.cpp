@@ -1,4 +1,4 @@
-#include "support/TemporaryDirectory.h"
+#include "harness/TemporaryDirectory.h"
 
 #include <cstdlib>
 

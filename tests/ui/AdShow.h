@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/VelmoraAdState.h"
+#include "harness/EventLoop.h"
 #include "model/VLAdSuggestion.h"
 #include "model/VLAdSuggestionFinalState.h"
 #include "model/VLDefaults.h"
@@ -10,7 +11,6 @@
 #include "platform/Directories.h"
 #include "platform/UserDefaults.h"
 #include "sandbox/ScriptedServer.h"
-#include "support/EventLoop.h"
 #include "support/ManualClock.h"
 #include "support/Records.h"
 #include "support/ScriptedPage.h"

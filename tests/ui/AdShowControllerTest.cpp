@@ -1,9 +1,9 @@
 #include "ui/VLAdShowUIController.h"
 
 #include "core/VLLog.h"
+#include "harness/TemporaryDirectory.h"
 #include "support/LogCapture.h"
 #include "support/Opener.h"
-#include "support/TemporaryDirectory.h"
 #include "ui/AdShow.h"
 #include "ui/CallToAction.h"
 

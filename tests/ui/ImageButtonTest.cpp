@@ -1,6 +1,6 @@
 #include "ui/ImageButton.h"
 
-#include "support/TemporaryDirectory.h"
+#include "harness/TemporaryDirectory.h"
 #include "ui/ActivityIndicator.h"
 #include "ui/Label.h"
 #include "ui/Picture.h"

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "harness/EventLoop.h"
 #include "platform/Application.h"
-#include "support/EventLoop.h"
 #include "support/ManualClock.h"
 #include "support/ScriptedPlayer.h"
 #include "ui/ImageButton.h"

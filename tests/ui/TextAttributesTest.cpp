@@ -1,9 +1,9 @@
 #include "ui/VLTextAttributes.h"
 
+#include "harness/TemporaryDirectory.h"
 #include "platform/Bundle.h"
 #include "support/Environment.h"
 #include "support/Program.h"
-#include "support/TemporaryDirectory.h"
 #include "ui/VLRGBAColor.h"
 
 #include <filesystem>

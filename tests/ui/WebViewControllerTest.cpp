@@ -1,8 +1,8 @@
 #include "ui/VLWebViewController.h"
 
+#include "harness/EventLoop.h"
 #include "platform/Application.h"
 #include "platform/Screen.h"
-#include "support/EventLoop.h"
 #include "support/OddUrls.h"
 #include "support/ScriptedPage.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "support/Files.h"
-#include "support/TemporaryDirectory.h"
+#include "harness/Files.h"
+#include "harness/TemporaryDirectory.h"
 
 #include <cstdlib>
 #include <filesystem>
