@@ -18,7 +18,7 @@ public:
     }
 
     void list(std::string_view key, const RecordList& records) override {
-        Array array(dictionary_.storage());
+        Array array;
         array.reserve(records.size);
         for (std::size_t i = 0; i < records.size; ++i)
             array.push_back(dictionaryFor(records.at(records.list, i)));
@@ -32,8 +32,7 @@ private:
     }
 
     Dictionary dictionaryFor(const VLSerializedModel* record) {
-        return record != nullptr ? recordToDictionary(*record, record->keys(), dictionary_.storage())
-                                 : Dictionary(dictionary_.storage());
+        return record != nullptr ? recordToDictionary(*record, record->keys()) : Dictionary();
     }
 
     Dictionary& dictionary_;
@@ -72,8 +71,8 @@ private:
 
 }  // namespace
 
-Dictionary recordToDictionary(const VLSerializedModel& record, const Keys& keys, const Storage& storage) {
-    Dictionary dictionary(storage);
+Dictionary recordToDictionary(const VLSerializedModel& record, const Keys& keys) {
+    Dictionary dictionary;
     IntoDictionary output(dictionary);
     record.schema().write(record, keys, output);
     return dictionary;

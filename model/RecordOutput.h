@@ -30,9 +30,8 @@ public:
     virtual void list(std::string_view key, const RecordList& records) = 0;
 };
 
-/// The dictionary of the keys, as a tree of values that lives in `storage`.
-[[nodiscard]] Dictionary recordToDictionary(const VLSerializedModel& record, const Keys& keys,
-                                            const Storage& storage);
+/// The dictionary of the keys, as a tree of values.
+[[nodiscard]] Dictionary recordToDictionary(const VLSerializedModel& record, const Keys& keys);
 
 /// The JSON text of the dictionary of the record's own keys. Absent when it is nested too deep.
 [[nodiscard]] std::optional<std::string> recordToJson(const VLSerializedModel& record);

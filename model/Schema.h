@@ -39,8 +39,7 @@ struct Field {
 /// A record's table.
 ///
 /// Writing takes the mapped and structured properties first and then, of the keys asked for, the plain ones.
-/// Reading does the same, with the entries of the dictionary in place of the keys; it moves the values that
-/// lie on the heap, and copies those of an arena.
+/// Reading does the same, with the entries of the dictionary in place of the keys, and moves the values.
 class Schema {
 public:
     /// Which properties a record names when it is asked for its keys.
@@ -120,24 +119,17 @@ bool isPresent(const VLSerializedModel& model) {
     return static_cast<bool>(get(in<member>(model)));
 }
 
-/// Keeps the value, on the heap: the arena that it may lie in goes before the record does.
-inline void keep(Property& property, Value& input) { property.emplace(std::move(input), Storage()); }
-
-inline void keep(AtomicProperty<Property>& property, Value& input) {
-    property.set(Property(std::in_place, std::move(input), Storage()));
-}
-
 template <auto member>
 void assignValue(VLSerializedModel& model, Value& input) {
     if (input.is_null()) return set(in<member>(model), std::nullopt);
-    keep(in<member>(model), input);
+    set(in<member>(model), Property(std::move(input)));
 }
 
 template <auto member>
 void readValue(VLSerializedModel& model, Value* input) {
     if (input == nullptr) return set(in<member>(model), std::nullopt);
     // The null marker is kept as it is here.
-    keep(in<member>(model), *input);
+    set(in<member>(model), Property(std::move(*input)));
 }
 
 template <auto member>

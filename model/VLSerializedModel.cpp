@@ -9,8 +9,8 @@ Keys VLSerializedModel::keys() const { return schema().keys(*this); }
 
 void VLSerializedModel::setValue(const Value&, std::string_view) noexcept {}
 
-Dictionary VLSerializedModel::dictionaryWithValuesForKeys(const Keys& keys, const Storage& storage) const {
-    return recordToDictionary(*this, keys, storage);
+Dictionary VLSerializedModel::dictionaryWithValuesForKeys(const Keys& keys) const {
+    return recordToDictionary(*this, keys);
 }
 
 void VLSerializedModel::setValuesForKeysWithDictionary(Dictionary* dictionary) {

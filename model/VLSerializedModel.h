@@ -11,7 +11,6 @@ namespace velmora {
 using platform::Array;
 using platform::Dictionary;
 using platform::Property;
-using platform::Storage;
 using platform::Value;
 
 class Schema;
@@ -39,12 +38,11 @@ public:
     void setValue(const Value& value, std::string_view forUndefinedKey) noexcept;
 
     /// One entry for each key that names a plain property: its value, or the null marker where it is absent.
-    /// The other kinds of property are written whether or not they are asked for. The dictionary lives in
-    /// `storage`.
-    [[nodiscard]] Dictionary dictionaryWithValuesForKeys(const Keys& keys, const Storage& storage = {}) const;
+    /// The other kinds of property are written whether or not they are asked for.
+    [[nodiscard]] Dictionary dictionaryWithValuesForKeys(const Keys& keys) const;
 
     /// Sets each property that an entry names; a null marker makes it absent. The values go out of the
-    /// dictionary, unless it lies in an arena. A null pointer is an empty dictionary.
+    /// dictionary. A null pointer is an empty dictionary.
     void setValuesForKeysWithDictionary(Dictionary* dictionary);
 
     /// The table of this record's class.
@@ -70,8 +68,8 @@ template <class Model>
 [[nodiscard]] inline const VLSerializedModel& asRecord(const VLSerializedModel& model) { return model; }
 
 /// The dictionary of a record's own keys: what is sent and stored.
-[[nodiscard]] inline Dictionary dictionaryOf(const VLSerializedModel& model, const Storage& storage = {}) {
-    return model.dictionaryWithValuesForKeys(model.keys(), storage);
+[[nodiscard]] inline Dictionary dictionaryOf(const VLSerializedModel& model) {
+    return model.dictionaryWithValuesForKeys(model.keys());
 }
 
 /// A fresh record filled from a dictionary, as `setValuesForKeysWithDictionary` does it.

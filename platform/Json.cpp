@@ -25,7 +25,7 @@ public:
     static constexpr std::size_t max_key_size = json::string::max_size();
     static constexpr std::size_t max_string_size = json::string::max_size();
 
-    explicit Builder(Storage storage) { stack_.reset(std::move(storage)); }
+    Builder() { stack_.reset(); }
 
     Value release() { return stack_.release(); }
 
@@ -112,11 +112,11 @@ private:
 
 }  // namespace
 
-std::optional<Value> parseJson(std::string_view text, Storage storage) {
+std::optional<Value> parseJson(std::string_view text) {
     if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
     json::parse_options options;
     options.max_depth = kDeepestJson;
-    json::basic_parser<Builder> parser(options, std::move(storage));
+    json::basic_parser<Builder> parser(options);
     json::error_code error;
     const auto read = parser.write_some(false, text.data(), text.size(), error);
     if (error || read != text.size()) return std::nullopt;

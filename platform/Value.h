@@ -18,11 +18,6 @@ using Value = boost::json::value;
 using Dictionary = boost::json::object;
 using Array = boost::json::array;
 
-/// Where a tree of values lives: the heap unless told otherwise. A tree made to be read once and dropped is
-/// cheaper in an `Arena`, which must outlive it.
-using Storage = boost::json::storage_ptr;
-using Arena = boost::json::monotonic_resource;
-
 /// A value that may be absent. What came in stays as it came, wrong kind included; the functions below read
 /// it as one kind or another.
 using Property = std::optional<Value>;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <vector>
 
 namespace velmora {
@@ -16,7 +17,7 @@ struct Run {
     qsizetype step;
     int length;
 
-    uchar* pixel(int index) const { return first + index * step; }
+    [[nodiscard]] uchar* pixel(int index) const { return first + index * step; }
 };
 
 /// Each pixel becomes the mean of those up to `reach` away; there is nothing beyond the ends.
@@ -41,7 +42,7 @@ void average(const Run& run, int reach, std::vector<uchar>& before) {
 
 void blur(QImage& image, double radius) {
     // Two passes of a mean this wide look like a bell of half the radius.
-    const int reach = static_cast<int>(std::min(radius, 100.0) / 2 + 0.5);
+    const int reach = static_cast<int>(std::lround(std::min(radius, 100.0) / 2));
     if (reach < 1 || image.isNull()) return;
     std::vector<uchar> before;
     auto* bits = image.bits();
@@ -49,7 +50,7 @@ void blur(QImage& image, double radius) {
         for (int y = 0; y < image.height(); ++y)
             average({bits + y * image.bytesPerLine(), kChannels, image.width()}, reach, before);
         for (int x = 0; x < image.width(); ++x)
-            average({bits + x * kChannels, image.bytesPerLine(), image.height()}, reach, before);
+            average({bits + qsizetype(x) * kChannels, image.bytesPerLine(), image.height()}, reach, before);
     }
 }
 

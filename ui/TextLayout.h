@@ -35,18 +35,18 @@ private:
     /// One colour for everything instead of the attributes' own.
     using Override = std::optional<QColor>;
 
-    int linesWithin(qreal height) const;
+    [[nodiscard]] int linesWithin(qreal height) const;
     void breakIntoLines(const QString& text, int limit, bool lastIsCut);
     /// The text with an ellipsis in its last line; none when it has room as it is.
-    std::optional<QString> truncated(const QString& text) const;
+    [[nodiscard]] std::optional<QString> truncated(const QString& text) const;
     void align();
 
     void drawBackground(QPainter& painter, const QPointF& origin) const;
     void drawShadow(QPainter& painter, const QPointF& origin) const;
     void drawInk(QPainter& painter, const QPointF& origin, const Override& color) const;
     void drawUnderline(QPainter& painter, const QPointF& origin, const QColor& color) const;
-    QPainterPath outlines() const;
-    qreal strokeWidth() const;
+    [[nodiscard]] QPainterPath outlines() const;
+    [[nodiscard]] qreal strokeWidth() const;
 
     TextAttributeDictionary attributes_;
     ParagraphStyle style_;

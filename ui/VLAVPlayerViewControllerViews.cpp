@@ -30,9 +30,11 @@ QColor grey() { return colorWithR(132, 133, 133, 1.0); }
 template <class View>
 View* VLAVPlayerViewController::subview(QPointer<View>& view, const QRect& frame) {
     if constexpr (std::is_same_v<View, Label>) {
+        // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): its parent owns it
         view = new Label();
         view->setGeometry(frame);
     } else {
+        // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): its parent owns it
         view = new View(frame);
     }
     // Before the view is asked for: when that loads it, this one is wired already.

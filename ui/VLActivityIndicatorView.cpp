@@ -24,6 +24,7 @@ VLActivityIndicatorView::VLActivityIndicatorView(const QRect& frame, QWidget* pa
 
 ActivityIndicator* VLActivityIndicatorView::spinner() {
     if (spinner_ == nullptr) {
+        // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): its parent owns it
         spinner_ = new ActivityIndicator(this);
         setCenter(*spinner_, QRectF(rect()).center());
         spinner_->raise();
@@ -33,6 +34,7 @@ ActivityIndicator* VLActivityIndicatorView::spinner() {
 
 Label* VLActivityIndicatorView::textLabel() {
     if (textLabel_ == nullptr) {
+        // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): its parent owns it
         textLabel_ = new Label(this);
         setCenter(*textLabel_, QRectF(rect()).center());
         textLabel_->show();

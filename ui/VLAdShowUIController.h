@@ -36,6 +36,8 @@ public:
     VLAdShowUIController();
     /// Releases the player, whose observer keeps the player's controller alive.
     ~VLAdShowUIController() override;
+    VLAdShowUIController(const VLAdShowUIController&) = delete;
+    VLAdShowUIController& operator=(const VLAdShowUIController&) = delete;
 
     /// Presents itself over the application's root controller, and in itself the video or the page. An ad
     /// that is no longer valid leaves the screen empty. Without a window of the application nothing is shown.

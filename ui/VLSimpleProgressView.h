@@ -30,7 +30,7 @@ protected:
 private:
     void configureView();
     void drawRect(QPainter& painter) const;
-    bool isSetHidden() const;
+    [[nodiscard]] bool isSetHidden() const;
 
     double progress_ = 0;
     std::optional<QColor> tintColor_;

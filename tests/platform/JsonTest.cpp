@@ -11,7 +11,6 @@ namespace velmora::test {
 
 namespace {
 
-using platform::Arena;
 using platform::Array;
 using platform::Dictionary;
 using platform::kDeepestJson;
@@ -154,15 +153,6 @@ TEST(Json, NestingEndsAt512BothWays) {
         // The way through mending keeps the same bound.
         EXPECT_EQ(writeJson(Array{"\xFF", value}).has_value(), depth + 1 <= kDeepestJson);
     }
-}
-
-TEST(Json, ATreeLivesInTheStorageItWasAskedFor) {
-    Arena arena;
-    const auto read = parseJson(R"({"a":["text that is too long to lie inside the value"]})", &arena);
-    ASSERT_TRUE(read);
-    EXPECT_EQ(read->storage().get(), &arena);
-    EXPECT_EQ(read->at("a").at(0).storage().get(), &arena);
-    EXPECT_NE(Value(*read, {}).storage().get(), &arena);
 }
 
 }  // namespace

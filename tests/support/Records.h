@@ -15,11 +15,10 @@ namespace velmora::test {
 /// What a JSON text says; throws when it says nothing.
 inline Value valueOf(std::string_view json) { return platform::parseJson(json).value(); }
 
-/// A record read from JSON text. The values that were parsed are gone afterwards, as they are in use.
+/// A record read from JSON text.
 template <class Record>
 std::shared_ptr<Record> read(std::string_view json) {
-    platform::Arena arena;
-    auto input = platform::parseJson(json, &arena).value();
+    auto input = valueOf(json);
     return recordFrom<Record>(input.if_object());
 }
 
