@@ -273,8 +273,13 @@ TEST(InternetCacher, AFileIsFetchedOnceAndNeverLeavesItsFolder) {
     EXPECT_TRUE(isTold) << "before it returns, for a file that is there";
     const auto lock = VLInternetCacher::sharedCacher().getLockForFileName((folder / "v.mp4").string());
     EXPECT_TRUE(lock->tryLock());
-    EXPECT_EQ(server.seen().size(), odd + 1);
     EXPECT_EQ(contentOf(folder / "v.mp4"), "a page instead");
+
+    // The folder itself is no file to fetch, whether it is there or cannot be made.
+    const Environment nowhere("XDG_DATA_HOME", "/proc/nowhere");
+    for (const char* name : {"", "."})
+        EXPECT_EQ(get(server.url("/v"), name), "Video file download failed") << name;
+    EXPECT_EQ(server.seen().size(), odd + 1);
 }
 
 TEST(InternetCacher, TwoDownloadsOfOneNameBothRunAndLeaveOneWholeFile) {
