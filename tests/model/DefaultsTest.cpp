@@ -159,6 +159,7 @@ TEST_F(Defaults, TheTokenIsKeptInMemoryOnly) {
 TEST_F(Defaults, DoneSuggestionsAreAppendedAndNeverRemovedById) {
     const auto done = read<VLDoneAdSuggestion>(R"({"suggestionId": "a"})");
     VLDefaults::addDoneAdSuggestion(done);
+    VLDefaults::addDoneAdSuggestion(nullptr);
     VLDefaults::setDoneAdSuggestions(VLDefaults::getDoneAdSuggestions());
     VLDefaults::addDoneAdSuggestion(read<VLDoneAdSuggestion>(R"({"suggestionId": "b"})"));
     VLDefaults::addDoneAdSuggestion(done);
@@ -211,6 +212,7 @@ TEST_F(Defaults, TheOldestValidAdThatMatchesIsReturnedAndInvalidOnesGo) {
     for (const auto& one : cases) {
         VLDefaults::setCachedAds(nullptr);
         VLDefaults::cacheNewAd(expiredBanner("expired"));
+        VLDefaults::cacheNewAd(nullptr);
         VLDefaults::cacheNewAd(banner("first", R"(, "zoneId": "a")"));
         VLDefaults::cacheNewAd(banner("no zone", R"(, "zoneId": 5)"));
         VLDefaults::cacheNewAd(banner("second", R"(, "zoneId": "a", "requestOptions": {"mCacheType": 2})"));
