@@ -4,10 +4,12 @@
 #include "harness/TemporaryDirectory.h"
 #include "model/VLActionModel.h"
 #include "model/VLAdSuggestion.h"
+#include "model/VLDefaults.h"
 #include "platform/FileManager.h"
+#include "support/ApplicationStore.h"
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
-#include "support/Records.h"
+#include "support/Threads.h"
 
 #include <optional>
 #include <string>
@@ -215,6 +217,49 @@ TEST_F(AdHandle, ShowOptionsHaveDefaultsAndForgetUnknownOrientations) {
     options.setBackDisabled(false);
     options.setShowDialoged(true);
     EXPECT_TRUE(!options.getBackDisabled() && options.getShowDialoged());
+}
+
+// What this says of other threads, the thread sanitizer sees.
+TEST_F(AdHandle, ItIsStoredWhileItsShowSetsFlags) {
+    ApplicationStore store;
+    const auto ad = read<VelmoraAd>(R"({"mAd": {"suggestionId": "a", "creative": {"ctaType": 1}}})");
+    const auto options = std::make_shared<VLAdRequestOptions>();
+    ad->state().setAdRequestOptions(options);
+    VLAdShowOptions showOptions;
+    {
+        const Threads threads(2, [&](int thread) {
+            for (int round = 0; round < 20; ++round) {
+                if (thread == 0) {
+                    VLDefaults::cacheNewAd(ad);
+                    EXPECT_TRUE(ad->isValid());
+                    EXPECT_GE(showOptions.getOrientation(), 1);
+                    continue;
+                }
+                const auto suggestion = ad->state().mAd.get();
+                ad->state().setAd(suggestion);
+                ad->state().setZoneId(std::string(100, 'z'));
+                ad->state().setCacheTime(round);
+                ad->state().setAdRequestOptions(options);
+                options->setCacheType(2);
+                showOptions.setOrientation(round);
+                suggestion->filledReported.set(Property(round % 2 == 0));
+                suggestion->reportAdIsFilled();
+                suggestion->reportAdIsDoing();
+                suggestion->reportAdIsDoneWithFinalStates(nullptr);
+                ad->state().isShown.set(Property(true));
+                ad->state().setVideoFilePath(std::string(100, 'p'));
+            }
+        });
+    }
+    VLDefaults::cacheNewAd(ad);
+
+    const auto ads = store.list("cachedAds", "cachedVelmoraAds");
+    ASSERT_EQ(ads.size(), 21U);
+    const auto& last = ads.back();
+    EXPECT_EQ(last.at("isShown"), true);
+    EXPECT_EQ(last.at("videoFilePath"), Value(std::string(100, 'p')));
+    for (const char* flag : {"filledReported", "doingReported", "doneReported"})
+        EXPECT_EQ(last.at("mAd").at(flag), true) << flag;
 }
 
 }  // namespace

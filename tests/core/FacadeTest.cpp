@@ -1,16 +1,13 @@
 #include "core/VLLog.h"
 #include "core/VelmoraManager.h"
 #include "model/VLDefaults.h"
-#include "platform/Directories.h"
-#include "platform/UserDefaults.h"
+#include "support/ApplicationStore.h"
 #include "support/LogCapture.h"
-#include "support/StoreFiles.h"
 #include "support/Threads.h"
 
 #include <atomic>
-#include <chrono>
+#include <bit>
 #include <cstdlib>
-#include <future>
 #include <memory>
 #include <string>
 #include <vector>
@@ -29,14 +26,12 @@ using Lines = std::vector<std::string>;
 class Facade : public testing::Test {
 protected:
     Facade() {
-        for (const char* key : {"developerKey", "appUserId", "debugMode"}) {
-            platform::UserDefaults::standard().removeObjectForKey(key);
-        }
         VLLogger::setShallLog(true);
         // Nobody answers there.
         ::setenv("VELMORA_API_BASE_URL", "http://127.0.0.1:1/v2", 1);
     }
 
+    ApplicationStore store_;
     LogCapture log_;
 };
 
@@ -58,15 +53,6 @@ std::shared_ptr<VLConfiguration> configuration(bool debugMode, std::optional<std
     made->setAppUserId(std::move(appUserId));
     return made;
 }
-
-/// Four callbacks, of which one is called, once: a second call throws.
-struct Callbacks {
-    std::shared_ptr<std::promise<void>> terminal = std::make_shared<std::promise<void>>();
-    OnAdAvailable onAdAvailable = [done = terminal](const auto&) { done->set_value(); };
-    OnNoAdAvailable onNoAdAvailable = [done = terminal] { done->set_value(); };
-    OnError onError = [done = terminal](const auto&) { done->set_value(); };
-    OnExpiring onExpiring = [](const auto&) { ADD_FAILURE() << "Nothing was offered"; };
-};
 
 TEST_F(Facade, InitialisationStoresWhatTheConfigurationSays) {
     const struct {
@@ -174,21 +160,14 @@ TEST_F(FacadeInAFreshProcess, LoggingIsOffWhenNoneStoredTheDebugMode) {
 TEST_F(Facade, ARequestWithoutAllCallbacksIsDroppedForTheFirstThatIsMissing) {
     const char* const messages[]{"Nil block passed for onAdAvailable", "Nil block passed for onNoAdAvailable",
                                  "Nil block passed for onError", "Nil block passed for onExpiring"};
+    const auto called = [](const auto&...) { ADD_FAILURE() << "an incomplete request was made"; };
     for (unsigned missing = 1; missing < 16; ++missing) {
-        Callbacks callbacks;
-        if (missing & 1U) callbacks.onAdAvailable = nullptr;
-        if (missing & 2U) callbacks.onNoAdAvailable = nullptr;
-        if (missing & 4U) callbacks.onError = nullptr;
-        if (missing & 8U) callbacks.onExpiring = nullptr;
         log_.clear();
-        Velmora::requestAdForZone("", callbacks.onAdAvailable, callbacks.onNoAdAvailable, callbacks.onError,
-                                  callbacks.onExpiring);
-
-        unsigned first = 0;
-        while ((missing >> first & 1U) == 0) ++first;
-        EXPECT_EQ(log_.lines(), Lines{messages[first]}) << missing;
-        EXPECT_EQ(callbacks.terminal->get_future().wait_for(std::chrono::seconds(0)),
-                  std::future_status::timeout);
+        Velmora::requestAdForZone("", missing & 1U ? nullptr : OnAdAvailable(called),
+                                  missing & 2U ? nullptr : OnNoAdAvailable(called),
+                                  missing & 4U ? nullptr : OnError(called),
+                                  missing & 8U ? nullptr : OnExpiring(called));
+        EXPECT_EQ(log_.lines(), Lines{messages[std::countr_zero(missing)]}) << missing;
     }
     VLLogger::setShallLog(false);
     log_.clear();
@@ -209,16 +188,12 @@ TEST_F(Facade, TheEndOfAShowingIsToldToTheCallbackThatWasSetLast) {
     });
     VelmoraManager::onAdShowFinished(ad, true);
     VelmoraManager::onAdShowFinished(ad, false);
+    Velmora::setAdShowFinishedCallback([](const auto&, bool) { throw 7; });
+    VelmoraManager::onAdShowFinished(ad, true);
+    EXPECT_TRUE(log_.has("An exception left the ad-show-finished callback"));
     Velmora::setAdShowFinishedCallback(nullptr);
     VelmoraManager::onAdShowFinished(ad, true);
     EXPECT_EQ(told, (Lines{"completed", "left"}));
-}
-
-TEST_F(Facade, WhatItsCallbackThrowsIsLoggedAndGoesNoFurther) {
-    Velmora::setAdShowFinishedCallback([](const auto&, bool) { throw 7; });
-    VelmoraManager::onAdShowFinished(nullptr, true);
-    Velmora::setAdShowFinishedCallback(nullptr);
-    EXPECT_TRUE(log_.has("An exception left the ad-show-finished callback"));
 }
 
 TEST_F(Facade, AShowFinishedCallbackMayReplaceItselfAndCallTheLibraryWhenItGoes) {
@@ -254,9 +229,8 @@ TEST_F(Facade, ThreadsMayInitialiseItAtOnceAndNobodySeesHalfOfIt) {
     };
     // What another program sees at one moment: key, user and debug mode are of one call.
     const auto look = [&] {
-        Stranger other(platform::applicationDataDirectory() / "defaults.sqlite3");
         for (; looks < 200; ++looks) {
-            const auto seen = other.rows(
+            const auto seen = store_.rows(
                 "SELECT value FROM defaults WHERE key IN ('developerKey', 'appUserId', 'debugMode') "
                 "ORDER BY value");
             EXPECT_EQ(seen.size(), 3U);

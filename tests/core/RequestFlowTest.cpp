@@ -3,19 +3,18 @@
 #include "harness/Await.h"
 #include "model/AtomicProperty.h"
 #include "model/VLDefaults.h"
-#include "platform/Directories.h"
 #include "platform/FileManager.h"
 #include "platform/Json.h"
 #include "platform/Log.h"
 #include "platform/UrlSession.h"
-#include "platform/UserDefaults.h"
 #include "sandbox/ScriptedServer.h"
 #include "support/Application.h"
+#include "support/ApplicationStore.h"
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
 #include "support/Program.h"
-#include "support/StoreFiles.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <set>
@@ -63,36 +62,12 @@ std::shared_ptr<VLAdRequestOptions> options(std::optional<std::int64_t> cacheTyp
     return made;
 }
 
-/// What the store holds, as another program reads it.
+/// What is in the store.
 struct Kept {
-    /// Those that were reported as filled before.
-    std::size_t ads = 0;
-    /// Each "id state", in order.
-    std::vector<std::string> states;
+    /// How many ads are ready that were reported as filled before.
+    std::ptrdiff_t ads = 0;
+    std::string states;
     std::optional<std::string> user;
-
-    static Kept now() {
-        Stranger other(platform::applicationDataDirectory() / "defaults.sqlite3");
-        const auto valueOf = [&](const std::string& key) {
-            const auto rows = other.rows("SELECT value FROM defaults WHERE key = '" + key + "'");
-            return rows.empty() ? Value() : platform::parseJson(rows.front()).value();
-        };
-        Kept kept;
-        if (const auto ads = valueOf("cachedAds"); ads.is_object()) {
-            for (const auto& one : ads.at("cachedVelmoraAds").as_array()) {
-                if (platform::asBool(one.at("mAd").at("filledReported"))) ++kept.ads;
-            }
-        }
-        if (const auto states = valueOf("finalstates"); states.is_object()) {
-            for (const auto& one : states.at("states").as_array()) {
-                const auto* id = one.as_object().if_contains("suggestionId");
-                kept.states.push_back((id != nullptr ? platform::description(*id) : "no id") + " " +
-                                      platform::description(one.at("state")));
-            }
-        }
-        kept.user = platform::asString(valueOf("velmoraUserId"));
-        return kept;
-    }
 };
 
 /// What an application hears, and what is kept at that moment.
@@ -108,20 +83,21 @@ protected:
     RequestFlow() {
         ::setenv("VELMORA_API_BASE_URL", server_.url("/v2").c_str(), 1);
         VLLogger::setShallLog(true);
-        clearStore();
     }
 
-    static void clearStore() {
-        for (const char* key : {"finalstates", "cachedAds", "velmoraUserId"}) {
-            platform::UserDefaults::standard().removeObjectForKey(key);
-        }
+    Kept kept() {
+        const auto ads = store_.list("cachedAds", "cachedVelmoraAds");
+        return {
+            std::count_if(ads.begin(), ads.end(),
+                          [](const auto& ad) { return platform::asBool(ad.at("mAd").at("filledReported")); }),
+            store_.states(), store_.valueOf("velmoraUserId")};
     }
 
     Heard request(const std::shared_ptr<VLAdRequestOptions>& options = nullptr,
                   const std::optional<std::string>& zone = "zone") {
         const auto heard = std::make_shared<Await<Heard>>();
-        const auto add = [heard](const std::string& what, const std::shared_ptr<VelmoraAd>& ad) {
-            heard->add({what, ad, Kept::now(), std::this_thread::get_id()});
+        const auto add = [this, heard](const std::string& what, const std::shared_ptr<VelmoraAd>& ad) {
+            heard->add({what, ad, kept(), std::this_thread::get_id()});
         };
         Velmora::requestAdForZone(
             zone, options,
@@ -157,6 +133,7 @@ protected:
         return seen;
     }
 
+    ApplicationStore store_;
     LogCapture log_;
     /// The server's threads read it.
     AtomicProperty<Script> answer_;
@@ -182,7 +159,7 @@ TEST_F(RequestFlow, TheStepsOfAnAnswerComeInTheirOrder) {
         std::optional<std::int64_t> cacheType;
         std::string heard;
         std::vector<std::string> said;
-        std::size_t adsAtTheCallback;
+        int adsAtTheCallback;
         std::optional<std::string> path;
     } cases[] = {
         {both, 2, "available a", {"Suitable ad found", "Streamed no need to download"}, 1, std::nullopt},
@@ -202,20 +179,18 @@ TEST_F(RequestFlow, TheStepsOfAnAnswerComeInTheirOrder) {
 
     int round = 0;
     for (const auto& one : cases) {
-        const auto user = "u-" + std::to_string(++round);
-        const std::vector<std::string> states = one.suggestions == both
-                                                    ? std::vector<std::string>{"a 2", "b 2"}
-                                                    : std::vector<std::string>{"a 2"};
+        const auto user = "\"u-" + std::to_string(++round) + "\"";
+        const auto* const states = one.suggestions == both ? "a=2 b=2" : "a=2";
         SCOPED_TRACE(one.heard + " " + user);
-        clearStore();
-        answer_.set(Script::answer(200, answer(one.suggestions, R"("velmoraUserId": ")" + user + R"(", )")));
+        ApplicationStore::emptied();
+        answer_.set(Script::answer(200, answer(one.suggestions, R"("velmoraUserId": )" + user + ", ")));
         // The lines of the steps, each with what was kept when it was written.
         std::vector<std::string> said;
         const auto before = platform::setLogSink([&](std::string_view line) {
             if (!kSteps.contains(line)) return;
             said.emplace_back(line);
-            EXPECT_EQ(Kept::now().states, states) << line;
-            EXPECT_EQ(Kept::now().user, user) << line;
+            EXPECT_EQ(kept().states, states) << line;
+            EXPECT_EQ(kept().user, user) << line;
         });
         const auto wanted = options(one.cacheType);
         const auto heard = request(wanted);
@@ -227,7 +202,7 @@ TEST_F(RequestFlow, TheStepsOfAnAnswerComeInTheirOrder) {
         EXPECT_EQ(heard.kept.states, states);
         EXPECT_EQ(heard.kept.user, user);
         EXPECT_EQ(heard.kept.ads, one.adsAtTheCallback);
-        EXPECT_EQ(Kept::now().ads, heard.ad ? 1U : 0U);
+        EXPECT_EQ(kept().ads, heard.ad ? 1 : 0);
         // It is for a later version to offer it again.
         EXPECT_EQ(VelmoraManager::getValidCachedAdForZone("zone"), nullptr);
         EXPECT_EQ(VelmoraManager::getValidCachedAdForZone("zone", 2), nullptr);
@@ -335,7 +310,9 @@ TEST_F(RequestFlow, EachRequestCarriesTheStatesOfTheAnswerBeforeIt) {
 
 TEST_F(RequestFlow, WhateverTheServiceAnswersEndsInOneCallback) {
     std::string many;
-    for (int i = 0; i < 100'000; ++i) many += suggestion(std::to_string(i), "u") + ",";
+    for (int i = 0; i < 10'000; ++i) many += suggestion(std::to_string(i), "u") + ",";
+    const std::string broken = "error Error fetching data from server, code:";
+    const auto* const off = " ,error:VelmoraTransportErrorDomain";
     const std::string deep = std::string(50'000, '[') + std::string(50'000, ']');
     const struct {
         Script answer;
@@ -360,9 +337,13 @@ TEST_F(RequestFlow, WhateverTheServiceAnswersEndsInOneCallback) {
                          R"("velmoraUserId": 9, "selectDirectAdRandomly": "no", )")),
          "available without an id"},
         {Script::answer(200, answer(many + suggestion("last", "u"))), "available 0"},
-        {Script::answer(500, "broken"), "error Error fetching data from server, code:500 ,error:(null)"},
-        {Script::answer(204, ""), "error Error fetching data from server, code:204 ,error:(null)"},
-        {Script(), "error Error fetching data from server, code:-1 ,error:VelmoraTransportErrorDomain"},
+        {Script::answer(500, "broken"), broken + "500 ,error:(null)"},
+        {Script::answer(204, ""), broken + "204 ,error:(null)"},
+        {Script(), broken + "-1" + off},
+        {Script{.bytes = "HTTP/1.1 200 O"}, broken + "-1" + off},
+        // A status that has come counts as the answer's.
+        {Script{.bytes = "HTTP/1.1 200 OK\r\nContent-Type: application/js"}, broken + "200" + off},
+        {Script{.bytes = "HTTP/1.1 200 OK\r\nContent-Length: 0\r\n"}, broken + "200" + off},
     };
     VLDefaults::setVelmoraUserId("u-1");
     for (const auto& one : cases) {
@@ -434,7 +415,7 @@ TEST_F(RequestFlow, ACallbackMayAskAgainAndThrow) {
     ask(5);
     EXPECT_TRUE(ends->count(6));
     settle();
-    EXPECT_EQ(Kept::now().ads, 6U);
+    EXPECT_EQ(kept().ads, 6);
     EXPECT_TRUE(log_.has("An exception left onAdAvailable: the application's own fault"));
 }
 

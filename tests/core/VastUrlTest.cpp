@@ -7,6 +7,7 @@
 #include "platform/UrlText.h"
 #include "support/Environment.h"
 #include "support/LogCapture.h"
+#include "support/Threads.h"
 #include "tools/UserInfoGate.h"
 
 #include <algorithm>
@@ -139,8 +140,16 @@ TEST_F(VastUrl, WhatTheDeviceTellsOfItselfStandsInItOnceTheGateIsOpen) {
     initialise();
     VLUserExtraInfoModelGate::open();
     const Environment language("LANGUAGE", "fa_IR");
-    EXPECT_THAT(pairs(), IsSupersetOf({Pair("deviceBrand", "Apple"), Pair("deviceManufacturer", "Apple"),
-                                       Pair("deviceLanguage", "fa-IR"), Pair("mcc", "(null)")}));
+    const Environment noServices("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere/bus");
+    {
+        // The thread sanitizer sees whether one reads what another fills.
+        const Threads threads(8, [](int) {
+            for (int round = 0; round < 20; ++round)
+                EXPECT_THAT(pairs(),
+                            IsSupersetOf({Pair("deviceBrand", "Apple"), Pair("deviceManufacturer", "Apple"),
+                                          Pair("deviceLanguage", "fa-IR"), Pair("mcc", "(null)")}));
+        });
+    }
     VLUserExtraInfoModelGate::shut();
     EXPECT_FALSE(pairs().contains("deviceLanguage"));
 }

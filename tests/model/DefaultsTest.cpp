@@ -2,12 +2,10 @@
 
 #include "harness/Files.h"
 #include "platform/Directories.h"
-#include "platform/UserDefaults.h"
 #include "support/AllRecords.h"
+#include "support/ApplicationStore.h"
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
-#include "support/Records.h"
-#include "support/StoreFiles.h"
 #include "support/Threads.h"
 
 #include <filesystem>
@@ -39,13 +37,9 @@ platform::UserDefaults& store() { return platform::UserDefaults::standard(); }
 
 Property stored(std::string_view key) { return store().objectForKey(key); }
 
-/// Begins with an empty store and no token.
 class Defaults : public testing::Test {
 protected:
-    Defaults() {
-        for (const auto& key : allKeys()) store().removeObjectForKey(key);
-        VLDefaults::setAuthorizationToken(std::nullopt);
-    }
+    ApplicationStore seenByOthers_;
 
 private:
     LogCapture quiet_;
@@ -252,15 +246,14 @@ TEST_F(Defaults, WhatIsNotTheExpectedRecordIsNotWrittenOver) {
         [] { VLDefaults::changeFinalStates([](const auto&) { ADD_FAILURE() << "nothing to change"; }); },
         [] { VLDefaults::removeFinalStatesByIds(std::vector<std::string>{"a"}); },
     };
-    Stranger stranger(platform::applicationDataDirectory() / "defaults.sqlite3");
     for (const char* text : {R"({"cachedVelmoraAds":[{"zoneId":)", "7"}) {
         for (const auto& change : changes) {
             for (const char* key : {"cachedAds", "cachedDoneAdSuggestions", "finalstates"})
-                stranger.run("REPLACE INTO defaults(key, value) VALUES('" + std::string(key) + "', '" + text +
-                             "')");
+                seenByOthers_.run("REPLACE INTO defaults(key, value) VALUES('" + std::string(key) + "', '" +
+                                  text + "')");
             change();
             for (const char* key : {"cachedAds", "cachedDoneAdSuggestions", "finalstates"})
-                EXPECT_EQ(stranger.valueOf(key), text) << key;
+                EXPECT_EQ(seenByOthers_.valueOf(key), text) << key;
         }
     }
 }

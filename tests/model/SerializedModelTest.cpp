@@ -193,7 +193,7 @@ TEST(SerializedModel, AMappedNumberIsReducedToAWholeOne) {
     EXPECT_EQ(written(VLActionModel()), Value(Dictionary()));
 }
 
-TEST(SerializedModel, AMappedPropertyIsAlsoReadUnderItsOwnNameAsAPlainOne) {
+TEST(SerializedModel, AMappedPropertyIsReadUnderItsOwnNameTooAndItsKeyKeepsTheNullMarker) {
     expectConversions<VLActionModel>({
         {R"({"actionType": "own"})", R"({"type": "own"})"},
         {R"({"actionType": "own", "type": 1})", R"({"type": "own"})"},
@@ -201,13 +201,10 @@ TEST(SerializedModel, AMappedPropertyIsAlsoReadUnderItsOwnNameAsAPlainOne) {
         {R"({"type": 1, "actionType": null})", "{}"},
     });
     EXPECT_EQ(read<VLAdSuggestion>(R"({"htmlDesciption": "own"})")->htmlDesciption, Value("own"));
-}
 
-TEST(SerializedModel, ADescriptionKeepsTheNullMarker) {
-    const auto suggestion = read<VLAdSuggestion>(R"({"description": null})");
-
-    EXPECT_EQ(suggestion->htmlDesciption, Value(nullptr));
-    EXPECT_EQ(written(*suggestion).at("description"), Value(nullptr));
+    const auto marked = read<VLAdSuggestion>(R"({"description": null})");
+    EXPECT_EQ(marked->htmlDesciption, Value(nullptr));
+    EXPECT_EQ(written(*marked).at("description"), Value(nullptr));
 }
 
 TEST(SerializedModel, OnlyPlainPropertiesAreWrittenByRequest) {
