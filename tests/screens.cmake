@@ -14,7 +14,6 @@ velmora_add_gui_tests(ui
     ui/ImageButtonTest.cpp
     ui/LabelTest.cpp
     ui/PlayerViewControllerTest.cpp
-    ui/PlayerViewControllerViewsTest.cpp
     ui/ResourcesTest.cpp
     ui/SimpleProgressViewTest.cpp
     ui/TextAttributesTest.cpp

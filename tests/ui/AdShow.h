@@ -3,25 +3,20 @@
 #include "core/VelmoraAdState.h"
 #include "harness/EventLoop.h"
 #include "model/VLAdSuggestion.h"
-#include "model/VLAdSuggestionFinalState.h"
 #include "model/VLDefaults.h"
 #include "model/VLFinalStatesModel.h"
 #include "net/VLWebServices.h"
 #include "platform/Application.h"
-#include "platform/Directories.h"
-#include "platform/UserDefaults.h"
 #include "sandbox/ScriptedServer.h"
+#include "support/ApplicationStore.h"
 #include "support/ManualClock.h"
-#include "support/Records.h"
 #include "support/ScriptedPage.h"
 #include "support/ScriptedPlayer.h"
 #include "ui/VLAVPlayerViewController.h"
 #include "ui/VLAdShowUIController.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <functional>
-#include <limits>
 #include <map>
 #include <memory>
 #include <sstream>
@@ -47,8 +42,6 @@ class AdShow : public testing::Test {
 public:
     AdShow() {
         window_.show();
-        for (const char* key : {"finalstates", "cachedAds", "cachedDoneAdSuggestions"})
-            platform::UserDefaults::standard().removeObjectForKey(key);
         setStates({"before", "s", "behind"});
         VLDefaults::cacheNewAd(ready("other", R"({"ctaType": 3})"));
         Velmora::setAdShowFinishedCallback([this](const auto& ad, bool completed) {
@@ -74,13 +67,8 @@ public:
     /// A handle as a request makes it.
     static std::shared_ptr<VelmoraAd> ready(const std::string& id, const std::string& creative,
                                             const std::string& more = R"("callToActionId": "c", )") {
-        auto ad = std::make_shared<VelmoraAd>();
-        ad->state().setAd(read<VLAdSuggestion>(R"({"suggestionId": ")" + id + "\", " + more +
-                                               "\"creative\": " + creative + "}"));
-        auto options = std::make_shared<VLAdRequestOptions>();
-        options->setCacheType(VLCacheType::streamed);
-        ad->state().setAdRequestOptions(options);
-        return ad;
+        return read<VelmoraAd>(R"({"mAd": {"suggestionId": ")" + id + "\", " + more +
+                               "\"creative\": " + creative + R"(}, "requestOptions": {"mCacheType": 2}})");
     }
 
     /// One with a tracker for each event, named like it. `more` is of the creative.
@@ -99,13 +87,11 @@ public:
 
     /// What the last answer left in the store.
     static void setStates(const std::vector<std::string>& ids) {
-        std::vector<std::shared_ptr<VLAdSuggestionFinalState>> states;
+        std::string states;
         for (const auto& id : ids)
-            states.push_back(std::make_shared<VLAdSuggestionFinalState>(Property(id), VLFinalState::initial,
-                                                                        Property(Dictionary())));
-        const auto record = std::make_shared<VLFinalStatesModel>();
-        record->setStates(makeList<VLAdSuggestionFinalState>(std::move(states)));
-        VLDefaults::setFinalStates(record);
+            states += (states.empty() ? "" : ", ") +
+                      (R"({"state": 2, "extraInfo": {}, "suggestionId": ")" + id + "\"}");
+        VLDefaults::setFinalStates(read<VLFinalStatesModel>(R"({"states": [)" + states + "]}"));
     }
 
     void show(const std::string& creative, const std::shared_ptr<VLAdShowOptions>& options = nullptr) {
@@ -167,6 +153,14 @@ public:
         }
     }
 
+    /// Shows a video that plays up to the last of these ticks.
+    void playVideo(const std::vector<double>& seconds,
+                   const std::shared_ptr<VLAdShowOptions>& options = nullptr) {
+        show(video(), options);
+        play();
+        tick(seconds);
+    }
+
     void reachEnd() {
         player()->reachEnd();
         mark("end");
@@ -214,10 +208,13 @@ public:
     /// a step. Trackers of one moment are joined by "+".
     std::string trackers() {
         mark("last");
-        const auto all = [this] { return static_cast<int>(server_.seen().size()) == lastConnection(); };
-        EXPECT_TRUE(runUntil([&] { return wasSeen(marked_) && all(); }));
         std::map<int, std::string> sent;
-        for (const auto& request : server_.seen()) sent[request.connection] = request.target;
+        EXPECT_TRUE(runUntil([&] {
+            for (const auto& request : server_.seen()) sent[request.connection] = request.target;
+            const bool isMarked =
+                std::any_of(sent.begin(), sent.end(), [&](const auto& one) { return one.second == marked_; });
+            return isMarked && static_cast<int>(sent.size()) == sent.rbegin()->first;
+        }));
         std::string text;
         std::string together;
         for (const auto& [connection, target] : sent) {
@@ -235,9 +232,9 @@ public:
     // What another connection reads.
 
     /// "100 % 8 s" for each done suggestion.
-    [[nodiscard]] std::string records() const {
+    [[nodiscard]] std::string records() {
         std::ostringstream text;
-        for (const auto& done : stored("cachedDoneAdSuggestions", "doneAdSuggestions")) {
+        for (const auto& done : store_.list("cachedDoneAdSuggestions", "doneAdSuggestions")) {
             const auto& record = done.as_object();
             EXPECT_EQ(record.at("suggestionId"), "s");
             EXPECT_EQ(record.at("callToActionId"), "c");
@@ -249,32 +246,18 @@ public:
         return text.str();
     }
 
-    /// Each final state as "id=state", with the passed duration where there is one.
-    [[nodiscard]] std::string states() const {
-        std::string text;
-        for (const auto& one : stored("finalstates", "states")) {
-            const auto& state = one.as_object();
-            text += (text.empty() ? "" : " ") + std::string(state.at("suggestionId").as_string()) + "=" +
-                    std::to_string(state.at("state").to_number<int>());
-            const auto& extra = state.at("extraInfo").as_object();
-            EXPECT_LE(extra.size(), 1U);
-            if (extra.contains("passedDuration"))
-                text += "/" + std::string(extra.at("passedDuration").as_string());
-        }
-        return text;
-    }
+    [[nodiscard]] std::string states() { return store_.states(); }
 
     /// The identifiers of the ads that are ready to be shown.
-    [[nodiscard]] std::string readyAds() const {
+    [[nodiscard]] std::string readyAds() {
         std::string text;
-        for (const auto& ad : stored("cachedAds", "cachedVelmoraAds")) {
-            const auto& id = ad.as_object().at("mAd").as_object().at("suggestionId").as_string();
-            text += (text.empty() ? "" : " ") + std::string(id);
-        }
+        for (const auto& ad : store_.list("cachedAds", "cachedVelmoraAds"))
+            text += (text.empty() ? "" : " ") + platform::description(ad.at("mAd").at("suggestionId"));
         return text;
     }
 
     std::function<void(const std::shared_ptr<VelmoraAd>& ad)> onTold;
+    ApplicationStore store_;
     UseManualClock clock_;
     UseScriptedPlayers players_;
     ScriptedPages pages_;
@@ -297,28 +280,6 @@ private:
             server_.url(marked_), [](const auto&) {}, [](const VLClientError&) {});
     }
 
-    [[nodiscard]] int lastConnection() const {
-        int last = 0;
-        for (const auto& request : server_.seen()) last = std::max(last, request.connection);
-        return last;
-    }
-
-    [[nodiscard]] bool wasSeen(const std::string& target) const {
-        const auto seen = server_.seen();
-        return std::any_of(seen.begin(), seen.end(),
-                           [&](const auto& request) { return request.target == target; });
-    }
-
-    [[nodiscard]] platform::Array stored(std::string_view key, std::string_view list) const {
-        platform::UserDefaults other(file_);
-        const auto record = other.objectForKey(key);
-        if (!record) return {};
-        const auto* values = record->as_object().if_contains(list);
-        return values != nullptr ? values->as_array() : platform::Array();
-    }
-
-    /// Of the store, wherever the test moves the application's folder later.
-    const std::filesystem::path file_ = platform::applicationDataDirectory() / "defaults.sqlite3";
     std::string told_;
     std::string marked_;
     int marks_ = 0;

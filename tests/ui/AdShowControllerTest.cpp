@@ -70,9 +70,7 @@ TEST_F(AdShow, TheFirstPictureComesInPlaceAndAReplaySlides) {
     }
     command("close");
 
-    show(video());
-    play();
-    tick({8});
+    playVideo({8});
     reachEnd();
     EXPECT_FALSE(page()->navigate("velmora://replay"));
     settle();

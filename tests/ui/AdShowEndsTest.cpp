@@ -1,5 +1,6 @@
 #include "ui/AdShow.h"
 
+#include <limits>
 #include <ostream>
 
 namespace velmora::test {
@@ -38,30 +39,27 @@ const Outcome kEmpty{"", "", "", "3", kBoth, false};
 const Outcome kSkippedAndEmpty{"", "0:start 2:firstQuartile skip:skip", "", "3/0", kBoth, false};
 
 void playToTheEnd(AdShow& show) {
-    show.show(show.video());
-    show.play();
-    show.tick({0, 0.25, 2, 4, 6, 8});
+    show.playVideo({0, 0.25, 2, 4, 6, 8});
     show.reachEnd();
 }
 
 void playAThird(AdShow& show, const std::shared_ptr<VLAdShowOptions>& options = nullptr) {
-    show.show(show.video(), options);
-    show.play();
-    show.tick({0, 2, 2.4});
+    show.playVideo({0, 2, 2.4}, options);
+}
+
+void letPageGo(AdShow& show, const std::function<void()>& goes) {
+    ASSERT_TRUE(show.page()->widget->isVisible());
+    goes();
+    show.rest();
+    EXPECT_FALSE(show.page()->widget && show.page()->widget->isVisible());
 }
 
 void sayDone(AdShow& show) {
-    ASSERT_TRUE(show.page()->widget->isVisible());
-    show.page()->finish("http://127.0.0.1:1/?VelmoraSuggestionIsDone");
-    show.rest();
-    EXPECT_FALSE(show.page()->widget && show.page()->widget->isVisible());
+    letPageGo(show, [&] { show.page()->finish("http://127.0.0.1:1/?VelmoraSuggestionIsDone"); });
 }
 
 void leavePage(AdShow& show) {
-    ASSERT_TRUE(show.page()->widget->isVisible());
-    show.shown()->webView->exitButtonTouched();
-    show.rest();
-    EXPECT_FALSE(show.page()->widget && show.page()->widget->isVisible());
+    letPageGo(show, [&] { show.shown()->webView->exitButtonTouched(); });
 }
 
 /// What has no whole second has no length that counts.

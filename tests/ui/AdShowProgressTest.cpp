@@ -6,9 +6,9 @@
 #include "ui/VLActivityIndicatorView.h"
 
 #include <cstdlib>
-#include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -20,10 +20,7 @@ namespace {
 using testing::SizeIs;
 
 TEST_F(AdShow, QuartilesGoWithTheTickThatReachesThemEachOnceAndInTheirOrder) {
-    const struct {
-        std::vector<double> ticks;
-        const char* trackers;
-    } kPlaybacks[] = {
+    const std::pair<std::vector<double>, const char*> kPlaybacks[] = {
         {{0, 1.75, 2, 3.75, 4, 5.75, 6, 8}, "0:start 2:firstQuartile 4:midpoint 6:thirdQuartile"},
         {{1.99, 3.99, 5.99, 7.99}, "1.99:start 3.99:firstQuartile 5.99:midpoint 7.99:thirdQuartile"},
         {{6.4, 7.2}, "6.4:start+firstQuartile+midpoint+thirdQuartile"},
@@ -31,9 +28,7 @@ TEST_F(AdShow, QuartilesGoWithTheTickThatReachesThemEachOnceAndInTheirOrder) {
     };
     std::string before;
     for (const auto& [ticks, expected] : kPlaybacks) {
-        show(video());
-        play();
-        tick(ticks);
+        playVideo(ticks);
         before += (before.empty() ? "" : " ") + std::string(expected);
         EXPECT_EQ(trackers(), before);
         fail();
@@ -110,9 +105,7 @@ TEST_F(AdShow, TrackersThatAreNoneAreHarmlessAndOffsetsGoByTheirForms) {
 }
 
 TEST_F(AdShow, AnAnswerThatComesDuringAShowKeepsItsList) {
-    show(video());
-    play();
-    tick({1});
+    playVideo({1});
     setStates({"new", "s"});
     tick({2});
     EXPECT_EQ(states(), "new=2 s=3/0");
@@ -126,23 +119,17 @@ TEST_F(AdShow, AnAnswerThatComesDuringAShowKeepsItsList) {
 }
 
 TEST_F(AdShow, WhatHasPassedIsKeptInTheListThatIsThereAtTheEnd) {
-    const std::function<void()> kEnds[] = {[this] { leave(); }, [this] { fail(); },
-                                           [this] {
-                                               reachEnd();
-                                               command("close");
-                                           }};
-    for (const auto& end : kEnds) {
+    for (const auto end : {&AdShow::leave, &AdShow::fail, &AdShow::reachEnd}) {
         show(video());
         play(0.5);
         tick({0});
         setStates({"s", "new"});
-        end();
+        (this->*end)();
+        if (inFront()) command("close");
         EXPECT_EQ(states(), "s=3/0 new=2");
     }
     // Of a video that was seen whole all is said with its end.
-    show(video());
-    play();
-    tick({8});
+    playVideo({8});
     reachEnd();
     setStates({"s", "new"});
     command("close");
@@ -170,12 +157,10 @@ TEST_F(AdShow, FiguresComeFromTheFirstTickOnAndOnlyUntilTheFirstEnd) {
 }
 
 TEST_F(AdShow, TheSkipButtonIsThereOnlyWithAValueInItsRecord) {
-    const struct {
-        const char* skip;
-        bool isHidden;
-    } kSkips[] = {{R"("skipStartPercentage": {"type": 1, "skipStartPercentage": 0.25}, )", false},
-                  {R"("skipStartPercentage": {"type": 1}, )", true},
-                  {"", true}};
+    const std::pair<const char*, bool> kSkips[] = {
+        {R"("skipStartPercentage": {"type": 1, "skipStartPercentage": 0.25}, )", false},
+        {R"("skipStartPercentage": {"type": 1}, )", true},
+        {"", true}};
     for (const auto& [skip, isHidden] : kSkips) {
         show(video(skip));
         EXPECT_EQ(shown()->videoView->isSkipButtonVisible(), isHidden) << skip;
