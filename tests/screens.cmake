@@ -10,11 +10,9 @@ endfunction()
 
 velmora_add_gui_tests(ui
     ui/ActivityIndicatorViewTest.cpp
-    ui/BlurTest.cpp
     ui/ImageButtonTest.cpp
     ui/LabelTest.cpp
     ui/PlayerViewControllerTest.cpp
-    ui/ResourcesTest.cpp
     ui/SimpleProgressViewTest.cpp
     ui/TextAttributesTest.cpp
     ui/WebViewControllerTest.cpp

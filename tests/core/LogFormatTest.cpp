@@ -90,11 +90,7 @@ TEST(LogFormat, ConversionsWithoutArgumentStayAndArgumentsWithoutConversionFollo
         {formatLogLine("%-5.3lld", {}), "%-5.3lld"},
         {formatLogLine("%@", {"%@ %s %n"}), "%@ %s %n"},
         {formatLogLine("50%% of %d%%", {80}), "50% of 80%"},
-    });
-}
-
-TEST(LogFormat, WhatIsNoConversionStaysAsItStands) {
-    expectEqual({
+        // What is no conversion stays, too.
         {formatLogLine("100%", {1}), "100% [1]"},
         {formatLogLine("%%%", {}), "%%"},
         {formatLogLine("%5", {1}), "%5 [1]"},

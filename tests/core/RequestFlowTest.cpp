@@ -20,6 +20,7 @@
 #include <set>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 #include <gmock/gmock.h>
 
@@ -314,10 +315,7 @@ TEST_F(RequestFlow, WhateverTheServiceAnswersEndsInOneCallback) {
     const std::string broken = "error Error fetching data from server, code:";
     const auto* const off = " ,error:VelmoraTransportErrorDomain";
     const std::string deep = std::string(50'000, '[') + std::string(50'000, ']');
-    const struct {
-        Script answer;
-        std::string heard;
-    } cases[] = {
+    const std::pair<Script, std::string> cases[] = {
         {Script::answer(200, answer("")), "none"},
         {Script::answer(200, "{}"), "none"},
         {Script::answer(200, ""), "none"},
@@ -346,9 +344,9 @@ TEST_F(RequestFlow, WhateverTheServiceAnswersEndsInOneCallback) {
         {Script{.bytes = "HTTP/1.1 200 OK\r\nContent-Length: 0\r\n"}, broken + "200" + off},
     };
     VLDefaults::setVelmoraUserId("u-1");
-    for (const auto& one : cases) {
-        answer_.set(one.answer);
-        EXPECT_EQ(request().what, one.heard) << one.answer.bytes.substr(0, 300);
+    for (const auto& [answer, heard] : cases) {
+        answer_.set(answer);
+        EXPECT_EQ(request().what, heard) << answer.bytes.substr(0, 300);
     }
     EXPECT_EQ(VLDefaults::getVelmoraUserId(), "u-1");
 }

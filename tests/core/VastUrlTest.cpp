@@ -69,26 +69,23 @@ TEST_F(VastUrl, ItNamesTheZoneTheDeviceAndTheUserAndHasTheHeadersToo) {
     EXPECT_EQ(beforeQuery(url), "https://ads.example/v2/pre-roll/zone/vast");
     EXPECT_NE(url.back(), '&');
 
-    const auto model = VLDeviceAppInfo::deviceModel().value();
     std::map<std::string, std::string> expected{
         {"secretKey", "key"},
         {"targetPlatform", "2"},
         {"osVersion", "22"},
         {"sdkVersion", "3.0.0"},
         {"sdkType", "video-sdk"},
-        {"deviceModel", model},
         {"osId", VLDeviceAppInfo::deviceIdentifier().value()},
         {"osAdvertisingId", VLDeviceAppInfo::advertisingIdentifier().value()},
         {"vastVersion", "2"},
         {"mcc", "(null)"},
         {"mnc", "(null)"},
-        {"screenDensity", model},
-        {"screenHeight", model},
-        {"screenOrientation", model},
-        {"screenWidth", model},
         {"prerollType", "2"},
         {"t-user-id", "user"},
     };
+    for (const char* name :
+         {"deviceModel", "screenDensity", "screenHeight", "screenOrientation", "screenWidth"})
+        expected[name] = VLDeviceAppInfo::deviceModel().value();
     for (const auto& [name, value] : VLRequestHeaders::getHeaders()) expected[name] = value;
     auto found = pairsOf(url);
     // The clock goes on.

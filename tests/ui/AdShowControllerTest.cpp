@@ -9,6 +9,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
 #include <QScreen>
 #include <gmock/gmock.h>
@@ -48,8 +49,7 @@ TEST_F(AdShow, TheSourceIsThatOfTheCacheTypeAndAReplayKeepsIt) {
 
     const TemporaryDirectory folder;
     const auto file = folder / "video.mp4";
-    const auto ad = downloadedTo(file, ready("s", video()));
-    show(ad);
+    show(downloadedTo(file, ready("s", video())));
     EXPECT_EQ(player()->source, "file " + file.string());
 }
 
@@ -131,10 +131,7 @@ TEST_F(AdShow, OneThatIsToldToEndBeforeItsTurnEndsAndNothingElse) {
 
 // An application often shows its next ad when it is told of the end of one.
 TEST_F(AdShow, TheNextAdThatIsShownFromTheCallbackStays) {
-    const struct {
-        const char* what;
-        std::function<void()> ends;
-    } kEndings[] = {
+    const std::pair<const char*, std::function<void()>> kEndings[] = {
         {"a page that closes twice at once",
          [this] {
              const auto closing = page();
@@ -226,10 +223,8 @@ TEST_F(AdShow, ItIsPresentedFromWhatTheContainersAtTheRootShowFirst) {
     stack->pushViewController(std::make_shared<ViewController>());
     const auto tabsInStack = std::make_shared<NavigationController>(tabs);
     tabsInStack->pushViewController(std::make_shared<ViewController>());
-    const struct {
-        std::shared_ptr<ViewController> root;
-        std::shared_ptr<ViewController> presenter;
-    } kRoots[] = {{tabsInStack, right}, {tabs, right}, {stack, bottom}};
+    using Controller = std::shared_ptr<ViewController>;
+    const std::pair<Controller, Controller> kRoots[] = {{tabsInStack, right}, {tabs, right}, {stack, bottom}};
     for (const auto& [root, presenter] : kRoots) {
         Application::setRootViewController(root);
         const std::weak_ptr<VLAdShowUIController> made = showUnasked(ready("s", banner()));

@@ -1,6 +1,7 @@
 #include "ui/ImageButton.h"
 
 #include "harness/TemporaryDirectory.h"
+#include "platform/Bundle.h"
 #include "ui/ActivityIndicator.h"
 #include "ui/Label.h"
 #include "ui/Picture.h"
@@ -8,6 +9,8 @@
 
 #include <filesystem>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -31,10 +34,7 @@ protected:
 };
 
 TEST_F(ImageButtonTest, APictureKeepsItsShapeInTheMiddleOfTheButton) {
-    const struct {
-        QSize picture;
-        QRect shown;
-    } cases[] = {
+    const std::pair<QSize, QRect> cases[] = {
         {{20, 20}, {0, 0, 40, 40}},
         {{200, 100}, {0, 10, 40, 20}},
         {{10, 40}, {15, 0, 10, 40}},
@@ -75,6 +75,26 @@ TEST_F(ImageButtonTest, TouchesGoThroughWhatLiesOverIt) {
     EXPECT_TRUE(label.isVisible() && ring.isVisible() && spinner.isVisible());
     EXPECT_EQ(window.childAt(over.center()), &button_);
     button_.setParent(nullptr);
+}
+
+TEST(Resources, ThePicturesOfTheButtonsCanBeSeenOnAnyVideo) {
+    std::vector<QImage> all;
+    for (const char* name : {"Close.png", "Skip.png", "SoundOff.png", "SoundOn.png"}) {
+        SCOPED_TRACE(name);
+        const QImage image(platform::Bundle::resourcePath(name).c_str());
+        ASSERT_EQ(image.size(), QSize(132, 132));
+        EXPECT_EQ(image.pixelColor(1, 1).alpha(), 0);
+        int light = 0;
+        int dark = 0;
+        forEachPixel(image, [&](const QPoint&, const QColor& color) {
+            light += color.alpha() > 250 && color.lightness() > 250 ? 1 : 0;
+            dark += color.alpha() > 100 && color.lightness() < 5 ? 1 : 0;
+        });
+        EXPECT_GT(light, 400) << "for dark pictures";
+        EXPECT_GT(dark, 10 * 400) << "for light ones";
+        for (const auto& other : all) EXPECT_NE(image, other);
+        all.push_back(image);
+    }
 }
 
 }  // namespace

@@ -1,8 +1,11 @@
 #include "ui/Label.h"
 
+#include "ui/Blur.h"
 #include "ui/Picture.h"
 #include "ui/TextLayout.h"
 #include "ui/VLTextAttributes.h"
+
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -17,10 +20,10 @@ constexpr QChar kJoiner(0x200D);
 
 VLTextAttributes usual(double size = 24) { return VLTextAttributes::defaultTextAttributesWithFontSize(size); }
 
-/// A label of 200 by 60 that says it.
-QImage label(const QString& text, const VLTextAttributes& attributes, double pixelRatio = 1) {
+QImage label(const QString& text, const VLTextAttributes& attributes, const QSize& size = {200, 60},
+             double pixelRatio = 1) {
     Label label;
-    label.resize(200, 60);
+    label.resize(size);
     label.setText(text, attributes.attributes());
     return drawn(label, pixelRatio);
 }
@@ -69,10 +72,7 @@ TEST(Label, ATextWithoutRoomIsCutWhereItsModeSays) {
     EXPECT_EQ(shown(kLong, LineBreakMode::byClipping), kLong);
     EXPECT_EQ(shown(kGreeting, LineBreakMode::byTruncatingTail), kGreeting);
 
-    Label label;
-    label.resize(100, 40);
-    label.setText(kLong, usual().attributes());
-    const auto bounds = inkBounds(drawn(label));
+    const auto bounds = inkBounds(label(kLong, usual(), {100, 40}));
     EXPECT_GT(bounds.width(), 60) << "most of the room is used";
     EXPECT_TRUE(QRect(0, 0, 100, 40).contains(bounds));
 }
@@ -138,10 +138,9 @@ TEST(Label, AStrokeWidensWhatIsFilledAndHollowsWhatIsNot) {
 
 TEST(Label, ColoursShadowsAndLinesAreDrawn) {
     const auto has = [](const QImage& image, QColor color) {
-        for (int y = 0; y < image.height(); ++y)
-            for (int x = 0; x < image.width(); ++x)
-                if (image.pixelColor(x, y) == color) return true;
-        return false;
+        bool isThere = false;
+        forEachPixel(image, [&](const QPoint&, const QColor& one) { isThere = isThere || one == color; });
+        return isThere;
     };
     auto attributes = usual(30);
     attributes.setForegroundColor(QColor(Qt::green));
@@ -184,9 +183,46 @@ TEST(Label, ColoursShadowsAndLinesAreDrawn) {
 
 TEST(Label, ADenserScreenShowsTheSameText) {
     const auto once = inkBounds(label(kGreeting, usual()));
-    const auto thrice = inkBounds(label(kGreeting, usual(), 3));
+    const auto thrice = inkBounds(label(kGreeting, usual(), {200, 60}, 3));
     EXPECT_NEAR(thrice.width() / 3.0, once.width(), 2);
     EXPECT_NEAR(thrice.right() / 3.0, once.right(), 2);
+}
+
+/// A white square on nothing.
+QImage square(const QRect& white) {
+    QImage image(41, 31, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    for (int y = white.top(); y <= white.bottom(); ++y)
+        for (int x = white.left(); x <= white.right(); ++x) image.setPixelColor(x, y, Qt::white);
+    return image;
+}
+
+QImage blurred(QImage image, double radius) {
+    blur(image, radius);
+    return image;
+}
+
+TEST(Blur, ItSpreadsByTwoMeansInEachDirection) {
+    // Seven in a row, and twice the mean of seven around each: so many forty-ninths at each distance.
+    constexpr int kProfile[] = {37, 36, 33, 28, 21, 15, 10, 6, 3, 1, 0, 0};
+    const auto image = blurred(square({17, 12, 7, 7}), 6);
+    for (int away = 0; away < 12; ++away) {
+        const double expected = 255.0 * kProfile[0] * kProfile[away] / (49 * 49);
+        for (const auto& step : {QPoint(1, 0), QPoint(-1, 0), QPoint(0, 1), QPoint(0, -1)})
+            EXPECT_NEAR(image.pixelColor(QPoint(20, 15) + away * step).alpha(), expected, 4) << away;
+    }
+}
+
+TEST(Blur, NothingComesFromBeyondTheEdgesAndItsReachIsBounded) {
+    const auto image = blurred(square({0, 0, 1, 1}), 2);
+    for (const auto& [at, alpha] : {std::pair(0, 12), {1, 12}, {2, 3}, {3, 0}})
+        EXPECT_NEAR(image.pixelColor(at, at).alpha(), alpha, 1) << at;
+    EXPECT_EQ(image.pixelColor(40, 30).alpha(), 0);
+    EXPECT_EQ(blurred(square({40, 30, 1, 1}), 2).mirrored(true, true), image);
+    const auto dot = square({20, 15, 1, 1});
+    EXPECT_EQ(blurred(dot, 0.9), dot);
+    EXPECT_NE(blurred(dot, 1), dot);
+    EXPECT_EQ(blurred(dot, 1e9), blurred(dot, 100));
 }
 
 }  // namespace

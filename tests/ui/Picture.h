@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include <QImage>
 #include <QRect>
 #include <QWidget>
@@ -15,20 +17,25 @@ inline QImage drawn(QWidget& widget, double pixelRatio = 1) {
     return image;
 }
 
+inline void forEachPixel(const QImage& image,
+                         const std::function<void(const QPoint&, const QColor&)>& visit) {
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x) visit({x, y}, image.pixelColor(x, y));
+}
+
 /// The sum of what covers each pixel, 1 for one that is opaque.
 inline double ink(const QImage& image) {
     double sum = 0;
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x) sum += image.pixelColor(x, y).alphaF();
+    forEachPixel(image, [&](const QPoint&, const QColor& color) { sum += color.alphaF(); });
     return sum;
 }
 
 /// The smallest rectangle around what is drawn.
 inline QRect inkBounds(const QImage& image) {
     QRect bounds;
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            if (image.pixelColor(x, y).alpha() > 40) bounds |= QRect(x, y, 1, 1);
+    forEachPixel(image, [&](const QPoint& place, const QColor& color) {
+        if (color.alpha() > 40) bounds |= QRect(place, QSize(1, 1));
+    });
     return bounds;
 }
 

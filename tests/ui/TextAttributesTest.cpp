@@ -50,11 +50,9 @@ TEST(TextAttributes, EachStyleHasItsFontAndItsParagraphs) {
 
 std::string fontsOfAFreshProcess() { return runProgram({VELMORA_FONT_REPORT}).output; }
 
-TEST(TextAttributes, TheFunStyleReliesOnOthersToLoadItsFont) {
+TEST(TextAttributes, TheFunStyleReliesOnOthersToLoadItsFontAndOneThatIsMissingOrBrokenLeavesNoEntry) {
     EXPECT_EQ(fontsOfAFreshProcess(), "fun 0, then default 1, fun 1; added 2");
-}
 
-TEST(TextAttributes, FontsThatAreMissingOrBrokenLeaveNoEntry) {
     const TemporaryDirectory folder;
     const auto working = platform::Bundle::resourcePath("DastNevis.otf");
     const Environment resources("VELMORA_RESOURCES", folder.path().c_str());
@@ -102,23 +100,21 @@ TEST(TextAttributes, ModeAndAlignmentCarryDifferentThingsOver) {
               (ParagraphStyle{TextAlignment::right, WritingDirection::leftToRight, byTruncatingTail}));
 }
 
-TEST(Color, ChannelsCountTo255AndAlphaTo1) {
-    EXPECT_EQ(colorWithR(255, 255, 255, 1.0), QColor(Qt::white));
-    const auto grey = colorWithR(132, 133, 134, 0.5);
-    EXPECT_EQ(grey.red(), 132);
-    EXPECT_EQ(grey.green(), 133);
-    EXPECT_EQ(grey.blue(), 134);
-    EXPECT_NEAR(grey.alphaF(), 0.5, 1e-4);
+TEST(Resources, EachFontHasItsLicenceBesideIt) {
+    for (const char* name : {"Yekan.LICENSE.txt", "DastNevis.LICENSE.txt"})
+        EXPECT_GT(std::filesystem::file_size(platform::Bundle::resourcePath(name)), 4000U) << name;
 }
 
-TEST(Color, ValuesBeyondTheirRangeStayDrawable) {
+TEST(Color, ChannelsCountTo255AndAlphaTo1AndWhatIsBeyondThemStaysDrawable) {
+    EXPECT_EQ(colorWithR(255, 255, 255, 1.0), QColor(Qt::white));
+    EXPECT_EQ(colorWithR(132, 133, 134, 0.5).rgba(), qRgba(132, 133, 134, 128));
     const auto bright = colorWithR(510, 0, std::numeric_limits<unsigned int>::max(), 1.0);
     ASSERT_TRUE(bright.isValid());
     EXPECT_FLOAT_EQ(bright.redF(), 2.0F);
     EXPECT_EQ(bright.rgba(), qRgba(255, 0, 255, 255));
-    EXPECT_EQ(colorWithR(1, 2, 3, 7.0).alphaF(), 1.0F);
-    EXPECT_EQ(colorWithR(1, 2, 3, -1.0).alphaF(), 0.0F);
-    EXPECT_EQ(colorWithR(1, 2, 3, std::numeric_limits<double>::quiet_NaN()).alphaF(), 0.0F);
+    for (const auto& [alpha, shown] :
+         {std::pair(7.0, 1.0F), {-1.0, 0.0F}, {std::numeric_limits<double>::quiet_NaN(), 0.0F}})
+        EXPECT_EQ(colorWithR(1, 2, 3, alpha).alphaF(), shown) << alpha;
 }
 
 }  // namespace
