@@ -149,6 +149,8 @@ TEST_F(ClientTest, A401IsTriedAgainOnceAsTheModeSays) {
         {VLRetryMode::asItStands, 2, 200, "failed 401", {guarded, guarded}},
         {static_cast<VLRetryMode>(9), 1, 200, "failed 401", {guarded}},
     };
+    VLDefaults::setDebugMode(true);
+    const LogCapture log;
     std::size_t before = 0;
     for (const auto& one : cases) {
         VLDefaults::setAuthorizationToken(std::nullopt);
@@ -169,6 +171,7 @@ TEST_F(ClientTest, A401IsTriedAgainOnceAsTheModeSays) {
         EXPECT_EQ(seen.back().headers.at("authorization"), "bearer fresh");
         EXPECT_EQ(VLDefaults::getAuthorization(), "fresh");
     }
+    EXPECT_THAT(log.lines(), ElementsAre("failed getting token from server..."));
 }
 
 TEST_F(ClientTest, ACancelledRequestCallsNeitherCallback) {
