@@ -208,6 +208,17 @@ void assignList(VLSerializedModel& model, Value& input) {
     readList<member>(model, &input);
 }
 
+/// What is not a value: a record or a list of records, under the property's own name.
+template <auto member>
+constexpr Field structured(std::string_view key, decltype(Field::write) write, decltype(Field::read) read) {
+    return {.key = key,
+            .name = key,
+            .kind = Field::Kind::structured,
+            .isPresent = isPresent<member>,
+            .write = write,
+            .read = read};
+}
+
 }  // namespace schema_detail
 
 /// A value under the property's own name, kept as it comes.
@@ -246,40 +257,28 @@ constexpr Field mappedInteger(std::string_view key, std::string_view name) {
 template <auto member>
 constexpr Field nested(std::string_view key) {
     using namespace schema_detail;
-    return {.key = key,
-            .name = key,
-            .kind = Field::Kind::structured,
-            .isPresent = isPresent<member>,
-            .write = writeRecord<member>,
-            .read = readRecord<member>};
+    return structured<member>(key, writeRecord<member>, readRecord<member>);
 }
 
 /// The same, but written as an empty dictionary when it is absent.
 template <auto member>
 constexpr Field nestedOrEmpty(std::string_view key) {
-    auto field = nested<member>(key);
-    field.write = schema_detail::writeRecordOrEmpty<member>;
-    return field;
+    using namespace schema_detail;
+    return structured<member>(key, writeRecordOrEmpty<member>, readRecord<member>);
 }
 
 /// A list of records: an empty array when it is absent, an empty list when there is no array.
 template <auto member>
 constexpr Field list(std::string_view key) {
     using namespace schema_detail;
-    return {.key = key,
-            .name = key,
-            .kind = Field::Kind::structured,
-            .isPresent = isPresent<member>,
-            .write = writeList<member>,
-            .read = readList<member>};
+    return structured<member>(key, writeList<member>, readList<member>);
 }
 
 /// A list of records that is written as any other, and empty after reading whatever the entry holds.
 template <auto member>
 constexpr Field listThatReadsEmpty(std::string_view key) {
-    auto field = list<member>(key);
-    field.read = schema_detail::readEmptyList<member>;
-    return field;
+    using namespace schema_detail;
+    return structured<member>(key, writeList<member>, readEmptyList<member>);
 }
 
 /// A list of records that follows the rules of a plain value: no entry of its own when it is absent, the null
