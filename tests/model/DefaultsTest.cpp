@@ -27,12 +27,6 @@ const Value& nothing() {
     return value;
 }
 
-std::vector<std::string> allKeys() {
-    std::vector<std::string> keys;
-    for (const auto& entry : nothing().as_object()) keys.emplace_back(entry.key());
-    return keys;
-}
-
 platform::UserDefaults& store() { return platform::UserDefaults::standard(); }
 
 Property stored(std::string_view key) { return store().objectForKey(key); }
@@ -60,16 +54,13 @@ Value everything() {
             {"cachedAds", written(*VLDefaults::getCachedAds())}};
 }
 
-/// A banner that never expires.
-std::shared_ptr<VelmoraAd> banner(const std::string& id, const std::string& more) {
-    return read<VelmoraAd>(R"({"mAd": {"suggestionId": ")" + id +
-                           R"(", "creative": {"ctaType": 2}}, "cacheTime": 1)" + more + "}");
-}
+constexpr auto kExpired = R"(, "expirationTimeInMillis": 1)";
 
-std::shared_ptr<VelmoraAd> expiredBanner(const std::string& id) {
-    auto ad = banner(id, R"(, "zoneId": "a")");
-    ad->state().mAd.get()->expirationTimeInMillis = Value(1);
-    return ad;
+/// A banner; `more` is of the handle, `ofTheAd` of its ad.
+std::shared_ptr<VelmoraAd> banner(const std::string& id, const std::string& more,
+                                  const std::string& ofTheAd = "") {
+    return read<VelmoraAd>(R"({"mAd": {"suggestionId": ")" + id + R"(", "creative": {"ctaType": 2})" +
+                           ofTheAd + R"(}, "cacheTime": 1)" + more + "}");
 }
 
 std::vector<std::string> cachedIds() {
@@ -87,13 +78,13 @@ std::shared_ptr<VLAdRequestOptions> optionsOf(std::int64_t cacheType) {
 
 TEST_F(Defaults, AValueThatIsAbsentOrOfTheWrongKindReadsAsNothing) {
     EXPECT_EQ(everything(), nothing());
-    for (const auto& key : allKeys()) EXPECT_FALSE(store().hasKey(key)) << key;
+    for (const auto& [key, value] : nothing().as_object()) EXPECT_FALSE(store().hasKey(key)) << key;
     for (const char* json :
          {"null", "7", "[]", "{}", R"("no")", R"([{"states": [{}]}])", R"({"states": {}})"}) {
-        for (const auto& key : allKeys()) {
-            const bool isText = *json == '"' && nothing().at(key).is_null();
+        for (const auto& [key, value] : nothing().as_object()) {
+            const bool isText = *json == '"' && value.is_null();
             // Every number but 0 is a flag that is on.
-            const bool isFlag = *json == '7' && nothing().at(key).is_bool();
+            const bool isFlag = *json == '7' && value.is_bool();
             if (isText || isFlag) continue;
             store().setObject(valueOf(json), key);
             EXPECT_EQ(everything(), nothing()) << key << ": " << json;
@@ -121,7 +112,7 @@ TEST_F(Defaults, EveryValueIsStoredUnderItsKeyAndRemovedByAnAbsentOne) {
         "cachedAds": {"cachedVelmoraAds":
             [{"cacheTime": null, "zoneId": "z", "isShown": false, "videoFilePath": null}]}})");
     EXPECT_EQ(everything(), all);
-    for (const auto& key : allKeys()) EXPECT_EQ(stored(key), all.at(key)) << key;
+    for (const auto& [key, value] : nothing().as_object()) EXPECT_EQ(stored(key), all.at(key)) << key;
 
     VLDefaults::setDeveloperKey(std::nullopt);
     VLDefaults::setAppUserId(std::nullopt);
@@ -132,7 +123,8 @@ TEST_F(Defaults, EveryValueIsStoredUnderItsKeyAndRemovedByAnAbsentOne) {
     VLDefaults::setCachedDoneAdSuggestions(nullptr);
     VLDefaults::setCachedAds(nullptr);
     EXPECT_EQ(everything(), nothing());
-    for (const auto& key : allKeys()) EXPECT_EQ(store().hasKey(key), key == "debugMode") << key;
+    for (const auto& [key, value] : nothing().as_object())
+        EXPECT_EQ(store().hasKey(key), key == "debugMode") << key;
 }
 
 TEST_F(Defaults, TheTokenIsKeptInMemoryOnly) {
@@ -205,7 +197,7 @@ TEST_F(Defaults, TheOldestValidAdThatMatchesIsReturnedAndInvalidOnesGo) {
 
     for (const auto& one : cases) {
         VLDefaults::setCachedAds(nullptr);
-        VLDefaults::cacheNewAd(expiredBanner("expired"));
+        VLDefaults::cacheNewAd(banner("expired", R"(, "zoneId": "a")", kExpired));
         VLDefaults::cacheNewAd(nullptr);
         VLDefaults::cacheNewAd(banner("first", R"(, "zoneId": "a")"));
         VLDefaults::cacheNewAd(banner("no zone", R"(, "zoneId": 5)"));
@@ -226,9 +218,9 @@ TEST_F(Defaults, TheOldestValidAdThatMatchesIsReturnedAndInvalidOnesGo) {
 TEST_F(Defaults, RemovingAnAdRemovesAllOfItsIdAndAllThatAreInvalid) {
     const UseManualClock clock;
     for (const char* id : {"a", "b", "a"}) VLDefaults::cacheNewAd(banner(id, ""));
-    VLDefaults::cacheNewAd(expiredBanner("expired"));
+    VLDefaults::cacheNewAd(banner("expired", R"(, "zoneId": "a")", kExpired));
     VLDefaults::cacheNewAd(read<VelmoraAd>(R"({"mAd": {"creative": {"ctaType": 2}}})"));
-    VLDefaults::removeCachedAd(expiredBanner("a"));
+    VLDefaults::removeCachedAd(banner("a", "", kExpired));
     EXPECT_EQ(cachedIds(), (std::vector<std::string>{"b", "none"}));
 
     // Two absent ids are not equal.

@@ -6,7 +6,6 @@
 #include <initializer_list>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -14,27 +13,23 @@ namespace velmora::test {
 
 namespace {
 
-struct RecordCase {
-    const char* name;
-    Value (*convert)(std::string_view json);
-    Value (*fromNothing)();
-    /// A dictionary with every key that survives reading.
-    std::string full;
-    /// What is written after nothing was read.
-    std::string empty;
-};
-
+/// What a record writes of `full`, a dictionary with every key that survives reading, and what it writes
+/// after nothing was read.
 template <class Record>
-RecordCase record(const char* name, std::string full, std::string empty) {
-    return {name, [](std::string_view json) { return written(*read<Record>(json)); },
-            [] { return written(*recordFrom<Record>(nullptr)); }, std::move(full), std::move(empty)};
+void expectRecord(const std::string& full, const std::string& empty) {
+    SCOPED_TRACE(full);
+    auto input = valueOf(full);
+    for (const char* key : {"", "unknown", "keys", "states_"}) input.as_object()[key] = 1;
+    EXPECT_EQ(written(*recordFrom<Record>(&input.as_object())), valueOf(full));
+    EXPECT_EQ(written(*recordFrom<Record>(nullptr)), valueOf(empty));
+    EXPECT_EQ(written(*read<Record>("{}")), valueOf(empty));
 }
 
-const std::vector<RecordCase>& allRecords() {
-    static const std::string action = R"({"type": 1, "actionUrl": "https://a"})";
-    static const std::string skip = R"({"type": 2, "skipStartPercentage": 30})";
-    static const std::string progress = R"({"first": "10%", "second": "https://p"})";
-    static const std::string vast = R"({"startTrackerUrls": ["1"], "firstQuartileTrackerUrls": ["2"],
+TEST(SerializedModel, EveryRecordWritesWhatItKnowsOfTheDictionaryThatItRead) {
+    const std::string action = R"({"type": 1, "actionUrl": "https://a"})";
+    const std::string skip = R"({"type": 2, "skipStartPercentage": 30})";
+    const std::string progress = R"({"first": "10%", "second": "https://p"})";
+    const std::string vast = R"({"startTrackerUrls": ["1"], "firstQuartileTrackerUrls": ["2"],
         "midpointTrackerUrls": ["3"], "thirdQuartileTrackerUrls": ["4"], "completeTrackerUrls": ["5"],
         "muteTrackerUrls": ["6"], "unmuteTrackerUrls": ["7"], "fullscreenTrackerUrls": ["8"],
         "exitFullscreenTrackerUrls": ["9"], "skipTrackerUrls": ["10"], "replayTrackerUrls": ["11"],
@@ -42,98 +37,75 @@ const std::vector<RecordCase>& allRecords() {
         "isMidpointReported": 1, "isThirdQuartileTrackerReported": true, "isCompleteTrackerReported": true,
         "isFullscreenTrackerReported": true, "isExitFullscreenTrackerReported": true,
         "isSkipTrackerReported": true})";
-    static const std::string emptyVast = R"({"progressTrackingUrls": [], "isStartTrackerReported": false,
+    const std::string emptyVast = R"({"progressTrackingUrls": [], "isStartTrackerReported": false,
         "isFirstQuartileTrackerReported": false, "isMidpointReported": false,
         "isThirdQuartileTrackerReported": false, "isCompleteTrackerReported": false,
         "isFullscreenTrackerReported": false, "isExitFullscreenTrackerReported": false,
         "isSkipTrackerReported": false})";
-    static const std::string creative = R"({"ctaType": 3, "ctaUrl": "https://c", "action": )" + action +
-                                        R"(, "skipStartPercentage": )" + skip +
-                                        R"(, "vibrationPatterns": [], "vastTrackingData": )" + vast + "}";
-    static const std::string suggestion = R"({"callToActionId": "cta", "suggestionId": "s", "title": "t",
+    const std::string creative = R"({"ctaType": 3, "ctaUrl": "https://c", "action": )" + action +
+                                 R"(, "skipStartPercentage": )" + skip +
+                                 R"(, "vibrationPatterns": [], "vastTrackingData": )" + vast + "}";
+    const std::string suggestion = R"({"callToActionId": "cta", "suggestionId": "s", "title": "t",
         "description": "<b>", "expirationTimeInMillis": 3600000, "filledReported": true,
         "doingReported": true, "doneReported": true, "creative": )" +
-                                          creative + "}";
-    static const std::string emptySuggestion =
+                                   creative + "}";
+    const std::string emptySuggestion =
         R"({"filledReported": false, "doingReported": false, "doneReported": false})";
-    static const std::string state = R"({"suggestionId": "s", "state": 2, "extraInfo": {"k": [1, null]}})";
-    static const std::string states = R"({"states": [)" + state + R"(, {}]})";
-    static const std::string done = R"({"suggestionId": "s", "callToActionId": "cta", "donePercentage": 99.5,
+    const std::string list = R"({"suggestions": [)" + suggestion + ", " + emptySuggestion + R"(],
+        "selectDirectAdRandomly": true, "serverSuggestedCacheType": 2, "velmoraUserId": "u",
+        "ctaDisabled": false, "ctaDisabledMessage": "m"})";
+    const std::string state = R"({"suggestionId": "s", "state": 2, "extraInfo": {"k": [1, null]}})";
+    const std::string states = R"({"states": [)" + state + R"(, {}]})";
+    const std::string done = R"({"suggestionId": "s", "callToActionId": "cta", "donePercentage": 99.5,
         "doneSeconds": 12, "extraInfo": {}})";
-    static const std::string ad = R"({"mAd": )" + suggestion + R"(, "cacheTime": 1700000000000,
+    const std::string ad = R"({"mAd": )" + suggestion + R"(, "cacheTime": 1700000000000,
         "zoneId": "z", "isShown": true, "videoFilePath": "/v.mp4", "requestOptions": {"mCacheType": 1}})";
-    static const std::string place = R"({"address": "a", "locality": "b", "country": "c",
+    const std::string place = R"({"address": "a", "locality": "b", "country": "c",
         "isoCountryCode": "d", "name": "e", "ocean": "f", "postalCode": "g", "administrativeArea": "h",
         "subAdministrativeArea": "i", "inlandWater": "j", "latitude": 52.5, "longitude": 13.4,
         "altitude": 34.5, "horizontalAccuracy": 5.5, "verticalAccuracy": -1.5})";
-    static const std::string geo = R"({"geoInfoLocation": )" + place + "}";
-    static const std::string user = R"({"imei": "a", "screenWidth": 1170, "screenHeight": 2532.5,
+    const std::string geo = R"({"geoInfoLocation": )" + place + "}";
+    const std::string user = R"({"imei": "a", "screenWidth": 1170, "screenHeight": 2532.5,
         "screenDensity": 480, "screenOrientation": 1, "appVersion": "b", "carrier": "c", "deviceModel": "d",
         "deviceManufacturer": "e", "deviceBrand": "f", "deviceLanguage": "g", "mcc": 262, "mnc": 5,
         "geoInfo": )" + geo + "}";
-    static const std::string queued = R"({"url": "https://q", "inputs": {"a": "b"}, "jsonParams": {"c": [{}]},
+    const std::string about = R"("finalStatesRequest": )" + states + R"(, "userExtraInfo": )" + user + "}";
+    const std::string crash = R"({"bundleIdentifier": "a", "velmoraSDKVersion": "b", "os": "c",
+        "osVersion": "d", "device": "e", "deviceModel": "f", "deviceManufacturer": "g", "content": "h"})";
+    const std::string queued = R"({"url": "https://q", "inputs": {"a": "b"}, "jsonParams": {"c": [{}]},
         "requestMode": 2, "includeCustomHeaders": true, "callBackType": 1,
         "callBackDoneSuggestionIds": ["s"], "callBackFinalStateSuggestionIds": ["f"]})";
 
-    static const std::vector<RecordCase> all{
-        record<VLAdSuggestion>("suggestion", suggestion, emptySuggestion),
-        record<VLDirectCreativeModel>("creative", creative, R"({"vibrationPatterns": []})"),
-        record<VLActionModel>("action", action, R"({"type": 0})"),
-        record<VLSkipStarPercentageModel>("skip rule", skip, R"({"type": 0})"),
-        record<VLVibrationPattern>("vibration",
-                                   R"({"vibrationStartMomentInSeconds": 1.5, "pattern": [1, 2]})", "{}"),
-        record<VLAdSuggestionValidationRule>("rule", R"({"type": 1, "customAppUrl": "app://"})", "{}"),
-        record<VLTrackerModel>("tracker", R"({"type": 1, "customAppUrl": "app://"})", "{}"),
-        record<VLProgressTrackerModel>("progress tracker", progress, "{}"),
-        record<VLVastTrackingData>("tracking data", vast, emptyVast),
-        record<VLSuggestionListDirectResponseModel>(
-            "suggestion list", R"({"suggestions": [)" + suggestion + ", " + emptySuggestion + R"(],
-            "selectDirectAdRandomly": true, "serverSuggestedCacheType": 2, "velmoraUserId": "u",
-            "ctaDisabled": false, "ctaDisabledMessage": "m"})",
-            R"({"suggestions": []})"),
-        record<VLRewardResponseModel>("reward answer", R"({"awardedCoin": 5})", "{}"),
-        record<VLDirectAdSuggestionRequestJsonParams>(
-            "ad request",
-            R"({"clientRequestedCacheType": 1, "zoneId": "z", "finalStatesRequest": )" + states +
-                R"(, "userExtraInfo": )" + user + "}",
-            "{}"),
-        record<VLRewardRequestJsonParams>("reward request",
-                                          R"({"doneSuggestions": [)" + done + R"(], "finalStatesRequest": )" +
-                                              states + R"(, "userExtraInfo": )" + user + "}",
-                                          "{}"),
-        record<VLCrashReportRequestModel>("crash report", R"({"bundleIdentifier": "a",
-            "velmoraSDKVersion": "b", "os": "c", "osVersion": "d", "device": "e", "deviceModel": "f",
-            "deviceManufacturer": "g", "content": "h"})",
-                                          "{}"),
-        record<VLUserExtraInfoModel>("user", user, "{}"),
-        record<GeoInfo>("place holder", geo, R"({"geoInfoLocation": {}})"),
-        record<GeoInfoLocationIOS>("place", place, "{}"),
-        record<VLAdSuggestionFinalState>("final state", state, "{}"),
-        record<VLFinalStatesModel>("final states", states, R"({"states": []})"),
-        record<VLDoneAdSuggestion>("done suggestion", done, "{}"),
-        record<VLCachedDoneAdSuggestions>("done suggestions",
-                                          R"({"doneAdSuggestions": [)" + done + R"(, {}]})",
-                                          R"({"doneAdSuggestions": []})"),
-        record<VLCachedVelmoraAds>("cached ads", R"({"cachedVelmoraAds": [)" + ad + R"(]})",
-                                   R"({"cachedVelmoraAds": []})"),
-        record<VLCachedRequestItem>("queued request", queued, "{}"),
-        record<VLRequestQueueImpl>("request queue", R"({"requests": [)" + queued + R"(, {}]})",
-                                   R"({"requests": []})"),
-        record<VelmoraAd>("ad handle", ad,
-                          R"({"cacheTime": null, "zoneId": null, "isShown": false, "videoFilePath": null})"),
-        record<VLAdRequestOptions>("request options", R"({"mCacheType": 1})", R"({"mCacheType": null})"),
-    };
-    return all;
-}
-
-TEST(SerializedModel, EveryRecordWritesWhatItKnowsOfTheDictionaryThatItRead) {
-    for (const auto& record : allRecords()) {
-        auto input = valueOf(record.full);
-        for (const char* key : {"", "unknown", "keys", "states_"}) input.as_object()[key] = 1;
-        EXPECT_EQ(record.convert(boost::json::serialize(input)), valueOf(record.full)) << record.name;
-        EXPECT_EQ(record.fromNothing(), valueOf(record.empty)) << record.name;
-        EXPECT_EQ(record.convert("{}"), valueOf(record.empty)) << record.name;
-    }
+    expectRecord<VLAdSuggestion>(suggestion, emptySuggestion);
+    expectRecord<VLDirectCreativeModel>(creative, R"({"vibrationPatterns": []})");
+    expectRecord<VLActionModel>(action, R"({"type": 0})");
+    expectRecord<VLSkipStarPercentageModel>(skip, R"({"type": 0})");
+    expectRecord<VLVibrationPattern>(R"({"vibrationStartMomentInSeconds": 1.5, "pattern": [1, 2]})", "{}");
+    expectRecord<VLAdSuggestionValidationRule>(R"({"type": 1, "customAppUrl": "app://"})", "{}");
+    expectRecord<VLTrackerModel>(R"({"type": 1, "customAppUrl": "app://"})", "{}");
+    expectRecord<VLProgressTrackerModel>(progress, "{}");
+    expectRecord<VLVastTrackingData>(vast, emptyVast);
+    expectRecord<VLSuggestionListDirectResponseModel>(list, R"({"suggestions": []})");
+    expectRecord<VLRewardResponseModel>(R"({"awardedCoin": 5})", "{}");
+    expectRecord<VLDirectAdSuggestionRequestJsonParams>(
+        R"({"clientRequestedCacheType": 1, "zoneId": "z", )" + about, "{}");
+    expectRecord<VLRewardRequestJsonParams>(R"({"doneSuggestions": [)" + done + "], " + about, "{}");
+    expectRecord<VLCrashReportRequestModel>(crash, "{}");
+    expectRecord<VLUserExtraInfoModel>(user, "{}");
+    expectRecord<GeoInfo>(geo, R"({"geoInfoLocation": {}})");
+    expectRecord<GeoInfoLocationIOS>(place, "{}");
+    expectRecord<VLAdSuggestionFinalState>(state, "{}");
+    expectRecord<VLFinalStatesModel>(states, R"({"states": []})");
+    expectRecord<VLDoneAdSuggestion>(done, "{}");
+    expectRecord<VLCachedDoneAdSuggestions>(R"({"doneAdSuggestions": [)" + done + R"(, {}]})",
+                                            R"({"doneAdSuggestions": []})");
+    expectRecord<VLCachedVelmoraAds>(R"({"cachedVelmoraAds": [)" + ad + R"(]})",
+                                     R"({"cachedVelmoraAds": []})");
+    expectRecord<VLCachedRequestItem>(queued, "{}");
+    expectRecord<VLRequestQueueImpl>(R"({"requests": [)" + queued + R"(, {}]})", R"({"requests": []})");
+    expectRecord<VelmoraAd>(
+        ad, R"({"cacheTime": null, "zoneId": null, "isShown": false, "videoFilePath": null})");
+    expectRecord<VLAdRequestOptions>(R"({"mCacheType": 1})", R"({"mCacheType": null})");
 }
 
 TEST(SerializedModel, APlainPropertyKeepsAnyKindAndANullMarkerMakesItAbsent) {

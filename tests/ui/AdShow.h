@@ -61,9 +61,6 @@ public:
                                 [](const auto& page) { return page->widget.isNull(); }));
     }
 
-    AdShow(const AdShow&) = delete;
-    AdShow& operator=(const AdShow&) = delete;
-
     /// A handle as a request makes it.
     static std::shared_ptr<VelmoraAd> ready(const std::string& id, const std::string& creative,
                                             const std::string& more = R"("callToActionId": "c", )") {

@@ -179,6 +179,12 @@ TEST_F(WebViewController, AnEndedPageWithTheSignalInItsUrlDismissesAndTells) {
     page().finish("http://page/?a=xVelmoraSuggestionIsDonex");
     EXPECT_THAT(delegate->calls, ElementsAre("was dismissed"));
     EXPECT_TRUE(isGone());
+
+    // The exit button tells nobody.
+    present();
+    controller->exitButtonTouched();
+    EXPECT_TRUE(isGone());
+    EXPECT_EQ(delegate->calls.size(), 1U);
 }
 
 TEST_F(WebViewController, ADelegateNeedNotListenToTheDismissal) {
@@ -190,13 +196,6 @@ TEST_F(WebViewController, ADelegateNeedNotListenToTheDismissal) {
         EXPECT_TRUE(isGone());
     }
     EXPECT_THAT(quiet->calls, IsEmpty());
-}
-
-TEST_F(WebViewController, TheExitButtonDismissesAndTellsNobody) {
-    present();
-    controller->exitButtonTouched();
-    EXPECT_TRUE(isGone());
-    EXPECT_THAT(delegate->calls, IsEmpty());
 }
 
 }  // namespace
