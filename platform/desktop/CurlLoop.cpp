@@ -76,10 +76,9 @@ void CurlLoop::run() {
     while (!leaving_) {
         callOut("the network loop", [this] {
             handleSubmitted();
-            const bool anyEnded = performTransfers();
+            performTransfers();
             endIdleTransfers();
-            // What ended has made room for others, which start at once.
-            if (!anyEnded) waitForEvents();
+            waitForEvents();
         });
     }
     // Nothing else is cleaned up: the process goes, and a name look-up in progress could hold it.
@@ -141,18 +140,15 @@ bool CurlLoop::start(const Transfer& transfer) {
     return false;
 }
 
-bool CurlLoop::performTransfers() {
+void CurlLoop::performTransfers() {
     int number = 0;
-    bool anyEnded = false;
     curl_multi_perform(multi_, &number);
     while (const auto* message = curl_multi_info_read(multi_, &number)) {
         if (message->msg != CURLMSG_DONE) continue;
         // The message is gone once its handle is taken out.
         const auto result = message->data.result;
         takeOut(message->easy_handle)->endWithResult(result);
-        anyEnded = true;
     }
-    return anyEnded;
 }
 
 void CurlLoop::endIdleTransfers() {

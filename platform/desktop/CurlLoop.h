@@ -61,8 +61,7 @@ private:
     void cancel(const Transfer& transfer);
     void startWaiting(const std::string& host);
     [[nodiscard]] bool start(const Transfer& transfer);
-    /// Whether any ended.
-    [[nodiscard]] bool performTransfers();
+    void performTransfers();
     void endIdleTransfers();
     void waitForEvents();
     /// Out of flight: another one of its host may start.
