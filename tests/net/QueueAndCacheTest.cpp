@@ -224,6 +224,9 @@ TEST(Suggestions, EachIsReportedOnceAndUnsuitableOnesAreDropped) {
     list->removeUnnecessaryAds();
     ASSERT_EQ(list->suggestions.get()->size(), 2U);
     EXPECT_EQ(list->suggestions.get()->front()->getSuggestionId(), "a");
+    list->suggestions.set(nullptr);
+    list->removeUnnecessaryAds();
+    EXPECT_EQ(list->suggestions.get(), nullptr);
 }
 
 TEST(Suggestions, AShuffleKeepsEachOnceAndBringsEachToEachPlace) {
