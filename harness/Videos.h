@@ -34,10 +34,11 @@ public:
 
     [[nodiscard]] Path soundOnly() const { return make("sound.mp4", "-f lavfi -i sine=duration=1 -c:a aac"); }
 
-    /// Of one colour; the matrix is bt601 or bt709, the range tv or pc.
-    [[nodiscard]] Path red(const std::string& matrix, const std::string& range) const {
+    /// Brown, red 192, green 128 and blue 64, so that nothing is cut off; the matrix is bt601 or bt709, the
+    /// range tv or pc.
+    [[nodiscard]] Path brown(const std::string& matrix, const std::string& range) const {
         const auto space = matrix == "bt601" ? "smpte170m" : matrix;
-        return make(matrix + range + ".mp4", "-f lavfi -i color=c=red:size=160x90:rate=10:duration=1"
+        return make(matrix + range + ".mp4", "-f lavfi -i color=c=0xC08040:size=160x90:rate=10:duration=1"
                                              " -vf scale=out_color_matrix=" +
                                                  matrix + ":out_range=" + range + " -colorspace " + space +
                                                  " -color_range " + range + " -c:v libx264 -pix_fmt yuv420p");

@@ -194,6 +194,8 @@ TEST_F(AdHandle, ShowOptionsHaveDefaultsAndForgetUnknownOrientations) {
         options.setOrientation(set);
         EXPECT_EQ(options.getOrientation(), kept[set]) << set;
     }
+    // Applications pass the number, too.
+    EXPECT_EQ(TYPE_DISABLE_BACK, 1);
     options.setBackDisabled(TYPE_DISABLE_BACK);
     EXPECT_TRUE(options.getBackDisabled() && !options.getShowDialoged());
     options.setBackDisabled(false);
