@@ -4,7 +4,7 @@ function(velmora_add_gui_tests name)
     target_link_libraries(${name} PRIVATE velmora_test_support Qt6::Widgets)
     target_precompile_headers(${name} REUSE_FROM velmora_test_support)
     add_dependencies(${name} velmora_resources)
-    gtest_discover_tests(${name} TEST_PREFIX "${name}." NO_PRETTY_VALUES PROPERTIES
+    gtest_discover_tests(${name} TEST_PREFIX "${name}." NO_PRETTY_VALUES DISCOVERY_TIMEOUT 60 PROPERTIES
         TIMEOUT 120 ENVIRONMENT "VELMORA_RESOURCES=${VELMORA_RESOURCES}")
 endfunction()
 
