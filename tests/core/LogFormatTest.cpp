@@ -96,6 +96,7 @@ TEST(LogFormat, ConversionsWithoutArgumentStayAndArgumentsWithoutConversionFollo
         {formatLogLine("%5", {1}), "%5 [1]"},
         {formatLogLine("%-.ll", {1}), "%-.ll [1]"},
         {formatLogLine("%y%", {1}), "%y% [1]"},
+        {formatLogLine("%~d %~", {1}), "%~d %~ [1]"},
         {formatLogLine("%*d", {5, 1}), "%*d [5] [1]"},
         {formatLogLine("%1$d", {1}), "%1$d [1]"},
         {formatLogLine(std::string_view("%\0d", 3), {1}), std::string("%\0d [1]", 7)},

@@ -236,6 +236,7 @@ TEST_F(WebPage, APageIsGrantedNothingAndMakesNobodyWait) {
             await fetch('file:///etc/hostname').then(note('file'), note('file'));
             while (opened && !opened.closed) await new Promise(done => setTimeout(done));
             note('window')('closed');
+            note('whole screen')(document.fullscreenEnabled);
             location = 'velmora://open?' + answers.join('&');
         };
     </script>)");
@@ -245,7 +246,7 @@ TEST_F(WebPage, APageIsGrantedNothingAndMakesNobodyWait) {
                 AllOf(HasSubstr("camera:Not"), HasSubstr("sound:Not"), HasSubstr("screen:Not"),
                       HasSubstr("place:1"), HasSubstr("notes:denied"), HasSubstr("window:closed"),
                       HasSubstr("alert:undefined"), HasSubstr("confirm:false"), HasSubstr("prompt:null"),
-                      HasSubstr("file:TypeError")));
+                      HasSubstr("file:TypeError"), HasSubstr("whole%20screen:false")));
 }
 
 TEST_F(WebPage, NothingStaysOnDisk) {
