@@ -1,7 +1,7 @@
 """A mock of ModemManager for python-dbusmock: one modem with a SIM card in it.
 
-Parameters: "sim", "network" and "modem" replace properties of the interfaces Sim, Modem3gpp and Modem; "late" is how many
-seconds each answer takes; "objects" is answered in the place of the objects; "endless" is the length of the carrier's name.
+Parameters: "sim", "network" and "modem" replace properties of the interfaces Sim, Modem3gpp and Modem; "until" names
+the file without which there is no answer; "objects" is answered in the place of the objects; "endless" is the length of the carrier's name.
 """
 
 import dbus
@@ -32,7 +32,9 @@ def load(mock, parameters):
             {name: dbus.Dictionary(values, signature="sv") for name, values in interfaces.items()}, signature=signature
         )
     }
-    wait = f"import time; time.sleep({float(parameters.get('late', 0))})\n"
+    wait = ""
+    if "until" in parameters:
+        wait = f"import os, time\nwhile not os.path.exists({parameters['until']!r}): time.sleep(0.02)\n"
     if "objects" in parameters:
         mock.AddMethod(MAIN_IFACE, "GetManagedObjects", "", "s", wait + f"ret = {parameters['objects']!r}")
     else:

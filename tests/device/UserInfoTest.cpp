@@ -129,10 +129,10 @@ TEST_F(UserInfo, ThePlaceIsLeftOutOnceItIsRefused) {
     EXPECT_EQ(VLUserExtraInfoModel::getInstance()->geoInfo, nullptr);
 }
 
-/// Runs the program that looks for the device's facts and for its place, as long as it takes or for a while.
-void lookForFacts(const std::string& services) {
+/// Runs the program that looks for the device's facts and for its place, until it has all or for so long.
+void lookForFacts(const std::string& services, std::chrono::milliseconds most = 1500ms) {
     const SystemServices running(services);
-    const auto ended = runProgram({VELMORA_FACTS, "1500"});
+    const auto ended = runProgram({VELMORA_FACTS, std::to_string(most.count())});
     EXPECT_EQ(ended.status, 0) << services;
     EXPECT_THAT(ended.output, testing::HasSubstr(R"("geoInfo":{"geoInfoLocation":{}})")) << services;
 }
@@ -145,7 +145,7 @@ TEST(Facts, AProcessThatWaitsForItsPlaceLeavesInPeace) {
 TEST(Facts, ThePositionOfAnEarlierRunIsNoFix) {
     const sandbox::Sandbox service;
     const Environment geocoder("VELMORA_GEOCODER_URL", service.geocoderUrl().c_str());
-    lookForFacts(R"({"geoclue": {}})");
+    lookForFacts(R"({"geoclue": {}})", 20s);
     ASSERT_TRUE(service.await("geocoder"));
     // The toolkit has kept it.
     lookForFacts(R"({"geoclue": {"silent": true}})");

@@ -69,7 +69,8 @@ TEST(Bundle, WhatTheDescriptionDoesNotSayHasADefault) {
 
 TEST(Bundle, TheApplicationIsTheRunningExecutable) {
     EXPECT_EQ(Bundle::main().identifier(), fs::read_symlink("/proc/self/exe").filename().string());
-    EXPECT_EQ(applicationDataDirectory(), applicationDataDirectory(*Bundle::main().identifier()));
+    const Environment home("XDG_DATA_HOME", "/data");
+    EXPECT_EQ(applicationDataDirectory(), fs::path("/data") / *Bundle::main().identifier() / "velmora");
 }
 
 TEST(Bundle, ResourcesLieWithTheLibraryUnlessAFolderIsNamed) {

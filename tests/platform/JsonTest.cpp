@@ -34,30 +34,6 @@ Value nestedArrays(std::size_t depth) {
     return value;
 }
 
-TEST(Json, WholeNumbersStayWholeAsFarAs64BitsGo) {
-    using boost::json::kind;
-
-    const struct {
-        const char* text;
-        kind expected;
-    } cases[] = {
-        {"9223372036854775807", kind::int64},
-        {"-9223372036854775808", kind::int64},
-        {"9223372036854775808", kind::uint64},
-        {"18446744073709551615", kind::uint64},
-    };
-
-    for (const auto& [text, expected] : cases) {
-        SCOPED_TRACE(text);
-        const auto value = parseJson(text);
-        ASSERT_TRUE(value);
-        EXPECT_EQ(value->kind(), expected);
-        EXPECT_EQ(writeJson(*value), text);
-    }
-    EXPECT_EQ(parseJson("18446744073709551616"), Value(18446744073709551616.0));
-    EXPECT_EQ(parseJson("-9223372036854775809"), Value(-9223372036854775808.0));
-}
-
 TEST(Json, EveryDoubleComesBackAsItself) {
     std::mt19937_64 random(1);
     Array numbers{25.0, -0.0, 0.1, std::numeric_limits<double>::denorm_min(),
