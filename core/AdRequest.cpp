@@ -1,22 +1,22 @@
 #include "core/AdRequest.h"
 
-#include "core/LogFormat.h"
-#include "core/VLLog.h"
-#include "core/VelmoraAdState.h"
 #include "core/VelmoraManager.h"
 #include "device/VLUserExtraInfoModel.h"
+#include "log/LogFormat.h"
+#include "log/VLLog.h"
 #include "model/VLAdSuggestion.h"
-#include "model/VLDefaults.h"
-#include "model/VLDirectAdSuggestionRequestJsonParams.h"
 #include "model/VLDirectCreativeModel.h"
 #include "model/VLFinalStatesModel.h"
 #include "model/VLSuggestionListDirectResponseModel.h"
+#include "model/VelmoraAdState.h"
+#include "net/VLDirectAdSuggestionRequestJsonParams.h"
 #include "net/VLInternetCacher.h"
 #include "net/VLWebServices.h"
 #include "platform/CallOut.h"
 #include "platform/Clock.h"
 #include "platform/MainQueue.h"
 #include "platform/UserDefaults.h"
+#include "store/VLDefaults.h"
 
 #include <chrono>
 #include <utility>

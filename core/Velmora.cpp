@@ -1,11 +1,11 @@
 #include <velmora/velmora.h>
 
-#include "core/VLLog.h"
 #include "core/VelmoraManager.h"
-#include "model/VLDefaults.h"
+#include "log/VLLog.h"
 #include "platform/CallOut.h"
 #include "platform/OneWait.h"
 #include "platform/UserDefaults.h"
+#include "store/VLDefaults.h"
 
 namespace velmora {
 

@@ -3,10 +3,10 @@
 #include "device/VLUserExtraInfoModel.h"
 #include "model/Schema.h"
 #include "model/VLAdSuggestionFinalState.h"
-#include "model/VLDefaults.h"
 #include "model/VLDirectCreativeModel.h"
-#include "model/VLRewardRequestJsonParams.h"
 #include "net/VLRequestBuilder.h"
+#include "net/VLRewardRequestJsonParams.h"
+#include "store/VLDefaults.h"
 
 namespace velmora {
 

@@ -1,7 +1,7 @@
 #include "model/VLCachedVelmoraAds.h"
 
-#include "core/VelmoraAdState.h"
 #include "model/Schema.h"
+#include "model/VelmoraAdState.h"
 
 namespace velmora {
 

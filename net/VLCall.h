@@ -1,8 +1,8 @@
 #pragma once
 
+#include "model/VLHttpRequestMethod.h"
 #include "model/VLSerializedModel.h"
 #include "net/VLClientError.h"
-#include "net/VLHttpRequestMethod.h"
 #include "net/VLReceive.h"
 
 #include <cstdint>

@@ -1,8 +1,7 @@
 #include "net/VLClient.h"
 
-#include "core/VLLog.h"
+#include "log/VLLog.h"
 #include "model/RecordOutput.h"
-#include "model/VLDefaults.h"
 #include "model/VLTokenResponse.h"
 #include "net/VLRequestHeaders.h"
 #include "net/VLWebServices.h"
@@ -10,6 +9,7 @@
 #include "platform/Json.h"
 #include "platform/UrlText.h"
 #include "platform/Utf8.h"
+#include "store/VLDefaults.h"
 
 #include <utility>
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "model/VLHttpRequestMethod.h"
 #include "model/VLSerializedModel.h"
 #include "net/VLCall.h"
 #include "net/VLDataTask.h"
-#include "net/VLHttpRequestMethod.h"
 #include "net/VLRequestHeaders.h"
 
 #include <cstdint>

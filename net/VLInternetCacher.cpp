@@ -1,6 +1,6 @@
 #include "net/VLInternetCacher.h"
 
-#include "core/VLLog.h"
+#include "log/VLLog.h"
 #include "platform/FileManager.h"
 #include "platform/Immortal.h"
 #include "platform/Mutex.h"

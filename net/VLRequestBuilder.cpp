@@ -2,7 +2,7 @@
 
 #include "model/VLDoneAdSuggestion.h"
 #include "model/VLFinalStatesModel.h"
-#include "model/VLRewardRequestJsonParams.h"
+#include "net/VLRewardRequestJsonParams.h"
 #include "net/VLWebServices.h"
 
 namespace velmora {

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "model/VLCachedRequestItem.h"
 #include "model/VLSerializedModel.h"
-#include "net/VLCachedRequestItem.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,13 +1,13 @@
 #include "net/VLRequestHeaders.h"
 
-#include "core/VLBuildVariants.h"
 #include "core/VelmoraManager.h"
+#include "device/VLBuildVariants.h"
 #include "device/VLDeviceAppInfo.h"
-#include "model/VLDefaults.h"
 #include "platform/Bundle.h"
 #include "platform/Clock.h"
 #include "platform/Reachability.h"
 #include "platform/Value.h"
+#include "store/VLDefaults.h"
 
 #include <boost/locale/encoding_utf.hpp>
 

@@ -1,11 +1,11 @@
 #include "net/VLRequestQueue.h"
 
-#include "model/VLDefaults.h"
-#include "net/VLCachedRequestItem.h"
+#include "model/VLCachedRequestItem.h"
 #include "net/VLWebServices.h"
 #include "platform/Immortal.h"
 #include "platform/MainQueue.h"
 #include "platform/Mutex.h"
+#include "store/VLDefaults.h"
 
 #include <chrono>
 #include <exception>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "model/AtomicProperty.h"
-#include "net/VLRequestQueueImpl.h"
+#include "model/VLRequestQueueImpl.h"
 
 #include <atomic>
 #include <memory>

@@ -1,11 +1,11 @@
 #include "net/VLWebServices.h"
 
-#include "model/VLDefaults.h"
+#include "model/VLCachedRequestItem.h"
 #include "model/VLRewardResponseModel.h"
 #include "model/VLSuggestionListDirectResponseModel.h"
-#include "net/VLCachedRequestItem.h"
 #include "net/VLClient.h"
 #include "platform/Json.h"
+#include "store/VLDefaults.h"
 
 #include <cstdlib>
 #include <utility>

@@ -1,15 +1,15 @@
 #include <velmora/VelmoraVAST.h>
 
-#include "core/VLLog.h"
 #include "core/VelmoraManager.h"
 #include "device/VLDeviceAppInfo.h"
 #include "device/VLUserExtraInfoModel.h"
-#include "model/VLDefaults.h"
+#include "log/VLLog.h"
 #include "net/VLRequestHeaders.h"
 #include "net/VLWebServices.h"
 #include "platform/CallOut.h"
 #include "platform/OneWait.h"
 #include "platform/UrlText.h"
+#include "store/VLDefaults.h"
 
 #include <algorithm>
 #include <initializer_list>

@@ -27,19 +27,19 @@ add_dependencies(ui fontreport)
 target_compile_definitions(ui PRIVATE VELMORA_FONT_REPORT="$<TARGET_FILE:fontreport>")
 
 velmora_add_gui_tests(screen
-    platform/ApplicationTest.cpp
-    platform/ViewControllerTest.cpp
-    platform/PresentationTest.cpp)
+    screen/ApplicationTest.cpp
+    screen/ViewControllerTest.cpp
+    screen/PresentationTest.cpp)
 add_test(NAME screen.OnAPhone
     COMMAND screen --gtest_filter=Application.TheInterface*:Screens.APresented*:Screens.ViewsFollow*)
 set_tests_properties(screen.OnAPhone PROPERTIES ENVIRONMENT
-    "QT_QPA_PLATFORM=offscreen:configfile=${CMAKE_CURRENT_SOURCE_DIR}/platform/phone.json")
+    "QT_QPA_PLATFORM=offscreen:configfile=${CMAKE_CURRENT_SOURCE_DIR}/screen/phone.json")
 add_test(NAME screen.WithoutAnEventLoopOfGLib COMMAND screen --gtest_filter=Application.AUrl*)
 set_tests_properties(screen.WithoutAnEventLoopOfGLib PROPERTIES ENVIRONMENT QT_NO_GLIB=1)
 
 velmora_add_gui_tests(video
-    platform/PlayerTest.cpp
-    platform/QtPlayerTest.cpp
+    screen/PlayerTest.cpp
+    screen/QtPlayerTest.cpp
     ui/VideoShowTest.cpp
     support/ScriptedPlayer.cpp)
 target_link_libraries(video PRIVATE velmora_sandbox Qt6::Multimedia)

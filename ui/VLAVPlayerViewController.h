@@ -1,10 +1,10 @@
 #pragma once
 
 #include "model/VLDirectCreativeModel.h"
-#include "platform/Player.h"
 #include "platform/Screen.h"
 #include "platform/Value.h"
-#include "platform/ViewController.h"
+#include "screen/Player.h"
+#include "screen/ViewController.h"
 #include "ui/TextAttributeDictionary.h"
 
 #include <memory>

@@ -1,9 +1,9 @@
 #include "ui/VLAdShowUIController.h"
 
-#include "core/VLAdShowOptionsState.h"
-#include "core/VLLog.h"
 #include "core/VelmoraManager.h"
+#include "log/VLLog.h"
 #include "model/VLActionModel.h"
+#include "model/VLAdShowOptionsState.h"
 #include "model/VLAdSuggestion.h"
 #include "model/VLDirectCreativeModel.h"
 #include "model/VLSkipStarPercentageModel.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "model/VLSerializedModel.h"
-#include "platform/ViewController.h"
+#include "screen/ViewController.h"
 #include "ui/VLAVPlayerViewControllerDelegate.h"
 #include "ui/VLWebViewController.h"
 

@@ -1,8 +1,7 @@
 // The half of the class that reports: trackers, figures of what was seen, and the done record.
 
-#include "core/VLLog.h"
+#include "log/VLLog.h"
 #include "model/VLAdSuggestion.h"
-#include "model/VLDefaults.h"
 #include "model/VLDirectCreativeModel.h"
 #include "model/VLDoneAdSuggestion.h"
 #include "model/VLFinalStatesModel.h"
@@ -12,6 +11,7 @@
 #include "net/VLWebServices.h"
 #include "platform/Clock.h"
 #include "platform/Log.h"
+#include "store/VLDefaults.h"
 #include "ui/ProgressOffset.h"
 #include "ui/VLAVPlayerViewController.h"
 #include "ui/VLAdShowUIController.h"

@@ -1,7 +1,7 @@
 #include "ui/VLTextAttributes.h"
 
 #include "platform/Bundle.h"
-#include "platform/Fonts.h"
+#include "screen/Fonts.h"
 
 #include <fstream>
 #include <iterator>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/Page.h"
 #include "platform/Screen.h"
 #include "platform/UrlText.h"
-#include "platform/ViewController.h"
+#include "screen/Page.h"
+#include "screen/ViewController.h"
 
 #include <memory>
 #include <optional>

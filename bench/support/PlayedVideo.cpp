@@ -2,7 +2,7 @@
 
 #include "harness/EventLoop.h"
 #include "platform/Application.h"
-#include "platform/desktop/QtPlayer.h"
+#include "screen/qt/player/QtPlayer.h"
 #include "ui/VLAVPlayerViewController.h"
 #include <velmora/VLAdShowOptions.h>
 

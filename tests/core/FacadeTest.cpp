@@ -1,6 +1,6 @@
-#include "core/VLLog.h"
 #include "core/VelmoraManager.h"
-#include "model/VLDefaults.h"
+#include "log/VLLog.h"
+#include "store/VLDefaults.h"
 #include "support/ApplicationStore.h"
 #include "support/Environment.h"
 #include "support/HeldStore.h"

@@ -1,10 +1,10 @@
 #include <velmora/velmora.h>
 
-#include "core/VLLog.h"
 #include "device/VLDeviceAppInfo.h"
-#include "model/VLDefaults.h"
+#include "log/VLLog.h"
 #include "net/VLRequestHeaders.h"
 #include "platform/UrlText.h"
+#include "store/VLDefaults.h"
 #include "support/Environment.h"
 #include "support/LogCapture.h"
 #include "support/Threads.h"

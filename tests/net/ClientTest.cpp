@@ -1,11 +1,11 @@
 #include "net/VLClient.h"
 
 #include "harness/Await.h"
-#include "model/VLDefaults.h"
 #include "model/VLRewardResponseModel.h"
 #include "net/VLRequestHeaders.h"
 #include "net/VLWebServices.h"
 #include "sandbox/ScriptedServer.h"
+#include "store/VLDefaults.h"
 #include "support/Certificates.h"
 #include "support/LogCapture.h"
 

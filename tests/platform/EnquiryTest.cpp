@@ -1,4 +1,4 @@
-#include "platform/desktop/Enquiry.h"
+#include "platform/desktop/bus/Enquiry.h"
 
 #include "platform/Immortal.h"
 #include "support/LogCapture.h"

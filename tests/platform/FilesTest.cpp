@@ -3,7 +3,7 @@
 #include "harness/Files.h"
 #include "harness/TemporaryDirectory.h"
 #include "platform/Directories.h"
-#include "platform/desktop/PartialFile.h"
+#include "platform/desktop/http/PartialFile.h"
 #include "support/FullDisk.h"
 
 #include <atomic>

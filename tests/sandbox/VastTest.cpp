@@ -2,9 +2,9 @@
 
 #include "harness/Files.h"
 #include "harness/TemporaryDirectory.h"
-#include "model/VLDefaults.h"
 #include "sandbox/Sandbox.h"
 #include "sandbox/Zones.h"
+#include "store/VLDefaults.h"
 #include "support/Environment.h"
 #include "support/Exchange.h"
 #include "support/LastEntry.h"

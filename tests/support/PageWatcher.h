@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Page.h"
+#include "screen/Page.h"
 
 #include <algorithm>
 #include <functional>

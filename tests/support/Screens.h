@@ -2,7 +2,7 @@
 
 #include "harness/EventLoop.h"
 #include "platform/Application.h"
-#include "platform/ViewController.h"
+#include "screen/ViewController.h"
 
 #include <algorithm>
 #include <functional>

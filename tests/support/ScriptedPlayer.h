@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Player.h"
+#include "screen/Player.h"
 
 #include <limits>
 #include <memory>

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "core/VelmoraAdState.h"
 #include "harness/EventLoop.h"
 #include "model/VLAdSuggestion.h"
-#include "model/VLDefaults.h"
 #include "model/VLFinalStatesModel.h"
+#include "model/VelmoraAdState.h"
 #include "net/VLWebServices.h"
 #include "platform/Application.h"
 #include "sandbox/ScriptedServer.h"
+#include "store/VLDefaults.h"
 #include "support/ApplicationStore.h"
 #include "support/ManualClock.h"
 #include "support/ScriptedPage.h"

@@ -1,7 +1,7 @@
 #include "ui/VLAdShowUIController.h"
 
-#include "core/VLLog.h"
 #include "harness/TemporaryDirectory.h"
+#include "log/VLLog.h"
 #include "support/LogCapture.h"
 #include "support/Opener.h"
 #include "ui/AdShow.h"

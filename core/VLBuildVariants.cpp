@@ -1,7 +1,0 @@
-#include "core/VLBuildVariants.h"
-
-namespace velmora {
-
-std::string VLBuildVariants::getDevelopmentPlatformName() { return "Xcode"; }
-
-}  // namespace velmora
