@@ -6,9 +6,9 @@
 #include "model/VLDirectCreativeModel.h"
 #include "model/VLFinalStatesModel.h"
 #include "model/VelmoraAdState.h"
-#include "platform/Application.h"
 #include "platform/Json.h"
 #include "platform/Screen.h"
+#include "screen/Application.h"
 #include "store/VLDefaults.h"
 #include "support/BareVideo.h"
 #include "support/Measure.h"
@@ -122,9 +122,9 @@ std::shared_ptr<VelmoraAd> makeAd(const std::string& video) {
 
 /// The player's controller of the show.
 std::shared_ptr<VLAVPlayerViewController> shown() {
-    const auto root = platform::Application::rootViewController();
+    const auto root = screen::Application::rootViewController();
     const auto stack =
-        std::dynamic_pointer_cast<platform::NavigationController>(root->presentedViewController());
+        std::dynamic_pointer_cast<screen::NavigationController>(root->presentedViewController());
     if (!stack) giveUp("no show");
     return std::dynamic_pointer_cast<VLAVPlayerViewController>(
         stack->viewControllers().front()->presentedViewController());
@@ -174,7 +174,7 @@ int compareShows(const std::string& video) {
 
 int countWhatShowsLeave(const std::string& video) {
     const auto players = std::make_shared<CountingPlayers>();
-    platform::Player::setFactory(players);
+    screen::Player::setFactory(players);
     int most = 0;
     {
         QWidget host;
@@ -185,7 +185,7 @@ int countWhatShowsLeave(const std::string& video) {
         test::runUntil([&] { return left() == 0; }, std::chrono::seconds(2));
         most = static_cast<int>(left());
     }
-    platform::Player::setFactory(nullptr);
+    screen::Player::setFactory(nullptr);
     std::printf("  %d shows with %d players leave %d widgets and players (at most 0)%s\n", kShows,
                 players->made(), most, most > 0 ? "  BEYOND" : "");
     return most > 0 ? 1 : 0;

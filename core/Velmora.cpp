@@ -3,6 +3,7 @@
 #include "core/VelmoraManager.h"
 #include "log/VLLog.h"
 #include "platform/CallOut.h"
+#include "platform/MainQueue.h"
 #include "platform/OneWait.h"
 #include "platform/UserDefaults.h"
 #include "store/VLDefaults.h"
@@ -20,6 +21,11 @@ const char* missingCallback(const OnAdAvailable& onAdAvailable, const OnNoAdAvai
     if (!onExpiring) return "Nil block passed for onExpiring";
     return nullptr;
 }
+
+[[maybe_unused]] const bool isLogSwitchSet = [] {
+    VLLogger::setStoredSwitch(&VLDefaults::getDebugMode);
+    return true;
+}();
 
 std::shared_ptr<VLConfiguration> defaultConfiguration() {
     auto configuration = std::make_shared<VLConfiguration>();
@@ -97,6 +103,15 @@ void Velmora::requestAdForZone(const std::optional<std::string>& zone,
 void Velmora::setAdShowFinishedCallback(OnAdShowFinished callback) {
     VelmoraManager::setAdShowFinishedCallback(std::move(callback));
 }
+
+void Velmora::setMainQueue(MainQueueFunction function) {
+    platform::callOut("the function of the main queue",
+                      [&] { platform::MainQueue::setRunner(std::move(function)); });
+}
+
+std::size_t Velmora::runWaiting() { return platform::MainQueue::runWaiting(); }
+
+int Velmora::waitingDescriptor() { return platform::MainQueue::waitingDescriptor(); }
 
 std::string Velmora::getVersion() { return VelmoraManager::sdkVersion(); }
 

@@ -4,6 +4,7 @@
 #include "model/VLSuggestionListDirectResponseModel.h"
 #include "platform/CallOut.h"
 #include "platform/Immortal.h"
+#include "platform/MainQueue.h"
 #include "platform/Mutex.h"
 
 #include <utility>
@@ -35,12 +36,14 @@ void VelmoraManager::setAdShowFinishedCallback(OnAdShowFinished next) {
 }
 
 void VelmoraManager::onAdShowFinished(const std::shared_ptr<VelmoraAd>& ad, bool completed) {
-    std::shared_ptr<const OnAdShowFinished> function;
-    {
-        const platform::MutexLock lock(callback().mutex);
-        function = callback().onAdShowFinished;
-    }
-    if (function) platform::callOut("the ad-show-finished callback", [&] { (*function)(ad, completed); });
+    platform::MainQueue::async([ad, completed] {
+        std::shared_ptr<const OnAdShowFinished> function;
+        {
+            const platform::MutexLock lock(callback().mutex);
+            function = callback().onAdShowFinished;
+        }
+        if (function) platform::callOut("the ad-show-finished callback", [&] { (*function)(ad, completed); });
+    });
 }
 
 std::shared_ptr<VelmoraAd> VelmoraManager::getValidCachedAdForZone(const std::optional<std::string>&) {

@@ -23,7 +23,7 @@ public:
     /// Replaces the callback set before; an empty one clears it.
     static void setAdShowFinishedCallback(OnAdShowFinished callback);
 
-    /// Calls the callback, if there is one, on the calling thread.
+    /// Has the callback called, if there is one then, on the main queue.
     static void onAdShowFinished(const std::shared_ptr<VelmoraAd>& ad, bool completed);
 
     /// Always null: the place where a later version returns a stored ad that is still valid.

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <thread>
 #include <vector>
 
 namespace velmora::test {
@@ -33,5 +34,16 @@ private:
     std::condition_variable changed_;
     std::vector<T> values_;
 };
+
+/// Looks until it is so; false when that takes too long. For what no callback tells.
+template <class Condition>
+[[nodiscard]] bool becomes(const Condition& condition, std::chrono::seconds most = std::chrono::seconds(60)) {
+    const auto end = std::chrono::steady_clock::now() + most;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end) return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return true;
+}
 
 }  // namespace velmora::test

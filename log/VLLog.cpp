@@ -2,7 +2,6 @@
 
 #include "log/LogFormat.h"
 #include "platform/Log.h"
-#include "store/VLDefaults.h"
 
 #include <atomic>
 
@@ -13,11 +12,14 @@ namespace {
 enum class ShallLog { notSet, no, yes };
 
 std::atomic<ShallLog> shallLog = ShallLog::notSet;
+std::atomic<bool (*)()> storedSwitch = nullptr;
 
 bool isOn() {
     auto now = shallLog.load();
     if (now == ShallLog::notSet) {
-        const auto stored = VLDefaults::getDebugMode() ? ShallLog::yes : ShallLog::no;
+        const auto isStoredOn = storedSwitch.load();
+        if (isStoredOn == nullptr) return false;
+        const auto stored = isStoredOn() ? ShallLog::yes : ShallLog::no;
         // What another thread has set meanwhile counts.
         if (shallLog.compare_exchange_strong(now, stored)) now = stored;
     }
@@ -27,6 +29,8 @@ bool isOn() {
 }  // namespace
 
 void VLLogger::setShallLog(bool wanted) noexcept { shallLog = wanted ? ShallLog::yes : ShallLog::no; }
+
+void VLLogger::setStoredSwitch(bool (*isOn)()) noexcept { storedSwitch = isOn; }
 
 void VLLog(std::string_view format, std::initializer_list<LogArgument> arguments) noexcept {
     try {

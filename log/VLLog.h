@@ -18,6 +18,9 @@ public:
     VLLogger() = delete;
 
     static void setShallLog(bool shallLog) noexcept;
+
+    /// What settles it at the first line, while nothing was set. Without one nothing is logged until then.
+    static void setStoredSwitch(bool (*isOn)()) noexcept;
 };
 
 }  // namespace velmora

@@ -1,12 +1,8 @@
 #include "model/VLAdSuggestion.h"
 
-#include "device/VLUserExtraInfoModel.h"
 #include "model/Schema.h"
 #include "model/VLAdSuggestionFinalState.h"
 #include "model/VLDirectCreativeModel.h"
-#include "net/VLRequestBuilder.h"
-#include "net/VLRewardRequestJsonParams.h"
-#include "store/VLDefaults.h"
 
 namespace velmora {
 
@@ -20,40 +16,6 @@ VLCreativeType typeOf(const VLAdSuggestion& suggestion) {
 
 std::optional<std::string> VLAdSuggestion::getSuggestionId() const {
     return platform::asString(suggestionId);
-}
-
-void VLAdSuggestion::reportAdIsFilled() {
-    if (platform::asBool(filledReported.get())) return;
-    filledReported.set(Value(true));
-    setAdIsFilled();
-}
-
-void VLAdSuggestion::setAdIsFilled() const {
-    if (const auto id = getSuggestionId()) VLRequestBuilder::queueSuggestion(*id, VLReportedState::filled);
-}
-
-void VLAdSuggestion::reportAdIsDoing() {
-    if (platform::asBool(doingReported.get())) return;
-    doingReported.set(Value(true));
-    setAdIsDoing();
-}
-
-void VLAdSuggestion::setAdIsDoing() const {
-    if (const auto id = getSuggestionId()) VLRequestBuilder::queueSuggestion(*id, VLReportedState::doing);
-}
-
-void VLAdSuggestion::reportAdIsDoneWithFinalStates(const std::shared_ptr<VLFinalStatesModel>& finalStates) {
-    if (platform::asBool(doneReported.get())) return;
-    doneReported.set(Value(true));
-    setAdIsDoneWithFinalStates(finalStates);
-}
-
-void VLAdSuggestion::setAdIsDoneWithFinalStates(
-    const std::shared_ptr<VLFinalStatesModel>& finalStates) const {
-    if (!getSuggestionId()) return;
-    const auto body = std::make_shared<VLRewardRequestJsonParams>(
-        VLDefaults::getDoneAdSuggestions(), finalStates, VLUserExtraInfoModel::getInstance());
-    VLRequestBuilder::queueGetReward(body, true);
 }
 
 std::shared_ptr<VLAdSuggestionFinalState>

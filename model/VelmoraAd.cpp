@@ -1,15 +1,11 @@
 #include <velmora/VelmoraAd.h>
 
-#include "log/VLLog.h"
 #include "model/VLAdSuggestion.h"
 #include "model/VLDirectCreativeModel.h"
 #include "model/VelmoraAdState.h"
-#include "platform/Application.h"
 #include "platform/Clock.h"
 #include "platform/FileManager.h"
 #include "platform/Log.h"
-#include "platform/MainQueue.h"
-#include "ui/VLAdShowUIController.h"
 #include <velmora/VLAdRequestOptions.h>
 
 namespace velmora {
@@ -90,20 +86,6 @@ bool VelmoraAd::isValid() const {
     }
     if (isBannerAd()) return !isExpired();
     return state_->mAd.get() == nullptr;
-}
-
-void VelmoraAd::showWithOptions(const std::shared_ptr<VLAdShowOptions>& options) {
-    if (!isValid()) return VLLog("Ad is Expired/Invalid");
-    const auto ad = state_->mAd.get();
-    if (ad && (!ad->creative || !ad->creative->isSupported()))
-        return VLLog("Ad type is not supported with this version of sdk.");
-    const auto self = weak_from_this().lock();
-    if (!self) return VLLog("An ad is shown only while a shared pointer holds its handle");
-    if (ad) ad->reportAdIsDoing();
-    platform::MainQueue::async([self, ad, options] {
-        if (!platform::Application::hasScreen()) return VLLog("An ad is shown only in a QApplication");
-        std::make_shared<VLAdShowUIController>()->showAd(self, ad, options, self->getRequestOptions());
-    });
 }
 
 VelmoraAdState& VelmoraAd::state() const noexcept { return *state_; }

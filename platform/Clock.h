@@ -7,7 +7,7 @@
 
 namespace velmora::platform {
 
-/// The wall clock and the delays of the main queue, together, so that a test can replace both by one that it
+/// The wall clock and the delays of the queues, together, so that a test can replace both by one that it
 /// moves.
 class Clock {
 public:
@@ -17,8 +17,9 @@ public:
 
     [[nodiscard]] virtual std::chrono::system_clock::time_point now() const = 0;
 
-    /// Runs `work` once on the main queue, no earlier than `delay` from now; a delay that is not positive
-    /// means as soon as possible. Delays of equal end run in the order in which they were asked for.
+    /// Runs `work` once on a thread of the clock's, no earlier than `delay` from now; a delay that is not
+    /// positive means as soon as possible. Delays run in the order of their ends, those of equal end in the
+    /// order in which they were asked for. The work is to be short: it hands over to a queue.
     virtual void after(std::chrono::milliseconds delay, Work work) = 0;
 
     /// The clock in force. Any thread.

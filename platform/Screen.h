@@ -35,9 +35,12 @@ struct Screen {
     /// By the shape of the screen and how it is turned.
     InterfaceOrientation orientation = InterfaceOrientation::unknown;
 
-    /// The main screen, as the main thread last saw it; all zero and unknown where the application has none.
-    /// Any thread, and nothing waits.
+    /// The main screen, as it was last told; all zero and unknown before that, and where there is none. Any
+    /// thread, and nothing waits.
     [[nodiscard]] static Screen main();
+
+    /// For what shows, which alone knows the toolkit's screens. Any thread.
+    static void setMain(const Screen& screen);
 };
 
 }  // namespace velmora::platform

@@ -6,7 +6,7 @@
 
 class QFont;
 
-namespace velmora::platform {
+namespace velmora::screen {
 
 /// The fonts that texts can be drawn in. Safe to call from any thread.
 class Fonts {
@@ -22,4 +22,4 @@ public:
     [[nodiscard]] static std::optional<QFont> fontWithName(std::string_view family, double size);
 };
 
-}  // namespace velmora::platform
+}  // namespace velmora::screen

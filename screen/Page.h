@@ -6,7 +6,7 @@
 
 class QWidget;
 
-namespace velmora::platform {
+namespace velmora::screen {
 
 /// Who decides about a page's navigations and hears of its loads. Main thread.
 ///
@@ -56,4 +56,4 @@ public:
     static void replaceFactory(Factory factory);
 };
 
-}  // namespace velmora::platform
+}  // namespace velmora::screen

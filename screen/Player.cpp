@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace velmora::platform {
+namespace velmora::screen {
 
 // An observer may release the player: each round holds it to its end, and goes over a copy.
 
@@ -63,4 +63,4 @@ double Player::nextDue(double seconds) const {
     return next;
 }
 
-}  // namespace velmora::platform
+}  // namespace velmora::screen

@@ -9,7 +9,7 @@
 
 class QWidget;
 
-namespace velmora::platform {
+namespace velmora::screen {
 
 class Player;
 
@@ -122,4 +122,4 @@ private:
     std::vector<std::weak_ptr<PlayerStatusObserver>> status_;
 };
 
-}  // namespace velmora::platform
+}  // namespace velmora::screen

@@ -7,7 +7,7 @@
 
 class QWidget;
 
-namespace velmora::platform {
+namespace velmora::screen {
 
 /// The interface orientations that a controller allows, as a set.
 namespace InterfaceOrientationMask {
@@ -128,4 +128,4 @@ private:
     std::size_t selected_ = 0;
 };
 
-}  // namespace velmora::platform
+}  // namespace velmora::screen

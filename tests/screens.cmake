@@ -1,7 +1,7 @@
 # Programs with windows have a main of their own, and the resources of this build.
 function(velmora_add_gui_tests name)
     add_executable(${name} ${ARGN} support/GuiTestMain.cpp)
-    target_link_libraries(${name} PRIVATE velmora_test_support Qt6::Widgets)
+    target_link_libraries(${name} PRIVATE velmora_screen_objects velmora_test_support Qt6::Widgets)
     target_precompile_headers(${name} REUSE_FROM velmora_test_support)
     add_dependencies(${name} velmora_resources)
     gtest_discover_tests(${name} TEST_PREFIX "${name}." NO_PRETTY_VALUES DISCOVERY_TIMEOUT 60 PROPERTIES
@@ -22,7 +22,7 @@ add_executable(fontreport ui/fontreport.cpp)
 target_link_libraries(ui PRIVATE Qt6::Test)
 add_test(NAME ui.OnADenserScreen COMMAND ui --gtest_filter=ImageButtonTest.*)
 set_tests_properties(ui.OnADenserScreen PROPERTIES ENVIRONMENT QT_SCALE_FACTOR=2)
-target_link_libraries(fontreport PRIVATE velmora_objects velmora_compiler Qt6::Widgets)
+target_link_libraries(fontreport PRIVATE velmora_screen_objects velmora_objects velmora_compiler Qt6::Widgets)
 add_dependencies(ui fontreport)
 target_compile_definitions(ui PRIVATE VELMORA_FONT_REPORT="$<TARGET_FILE:fontreport>")
 
@@ -34,8 +34,6 @@ add_test(NAME screen.OnAPhone
     COMMAND screen --gtest_filter=Application.TheInterface*:Screens.APresented*:Screens.ViewsFollow*)
 set_tests_properties(screen.OnAPhone PROPERTIES ENVIRONMENT
     "QT_QPA_PLATFORM=offscreen:configfile=${CMAKE_CURRENT_SOURCE_DIR}/screen/phone.json")
-add_test(NAME screen.WithoutAnEventLoopOfGLib COMMAND screen --gtest_filter=Application.AUrl*)
-set_tests_properties(screen.WithoutAnEventLoopOfGLib PROPERTIES ENVIRONMENT QT_NO_GLIB=1)
 
 velmora_add_gui_tests(video
     screen/PlayerTest.cpp

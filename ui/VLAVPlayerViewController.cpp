@@ -1,6 +1,6 @@
 #include "ui/VLAVPlayerViewController.h"
 
-#include "platform/MainQueue.h"
+#include "screen/Queue.h"
 #include "ui/ImageButton.h"
 #include "ui/Label.h"
 #include "ui/VLAVPlayerViewControllerDelegate.h"
@@ -12,9 +12,9 @@
 
 namespace velmora {
 
-using platform::MainQueue;
-using platform::Player;
-using platform::PlayerStatus;
+using screen::Player;
+using screen::PlayerStatus;
+using screen::Queue;
 using Delegate = VLAVPlayerViewControllerDelegate;
 
 namespace {
@@ -67,7 +67,7 @@ void VLAVPlayerViewController::wireButtons() {
         QObject::connect(button, &ImageButton::clicked, button, [this, operation] {
             auto holder = self();
             (*holder.*operation)();
-            MainQueue::async([holder = std::move(holder)] {});
+            Queue::async([holder = std::move(holder)] {});
         });
     };
     wire(exitButton(), &VLAVPlayerViewController::exitButtonTouched);
@@ -106,7 +106,7 @@ void VLAVPlayerViewController::viewDidAppear(bool animated) {
     if (player) player->addStatusObserver(self());
     if (player && player->status() == PlayerStatus::readyToPlay) {
         isPlayerPlaying = true;
-        MainQueue::async([controller = self()] {
+        Queue::async([controller = self()] {
             if (controller->player) controller->player->play();
         });
     }
@@ -124,7 +124,7 @@ void VLAVPlayerViewController::playerStatusDidChange(Player& changed) {
 }
 
 void VLAVPlayerViewController::playLater() {
-    MainQueue::async([controller = self()] {
+    Queue::async([controller = self()] {
         controller->isPlayerPlaying = true;
         if (controller->player) controller->player->play();
     });

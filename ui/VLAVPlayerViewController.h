@@ -31,7 +31,7 @@ class VLSimpleProgressView;
 ///
 /// The flags that are numbers read as false while they are absent. The subviews are made on first access,
 /// which loads the view, and belong to it.
-class VLAVPlayerViewController : public platform::ViewController, public platform::PlayerStatusObserver {
+class VLAVPlayerViewController : public screen::ViewController, public screen::PlayerStatusObserver {
 public:
     VLAVPlayerViewController(std::shared_ptr<VLAdShowOptions> options, VLCreativeType forCreativeType);
     ~VLAVPlayerViewController() override;
@@ -68,7 +68,7 @@ public:
     /// Of the main screen, as the interface is turned.
     [[nodiscard]] static platform::ScreenSize screenSize();
 
-    void playerStatusDidChange(platform::Player& changed) override;
+    void playerStatusDidChange(screen::Player& changed) override;
     void playerItemDidReachEnd();
 
     [[nodiscard]] VLSimpleProgressView* progressView();
@@ -83,7 +83,7 @@ public:
     std::weak_ptr<VLAVPlayerViewControllerDelegate> delegate;
     std::shared_ptr<VLAdShowOptions> adShowOptions;
     platform::Property creativeType;
-    std::shared_ptr<platform::Player> player;
+    std::shared_ptr<screen::Player> player;
     QPointer<QWidget> avPlayerLayer;
     platform::Property videoDuration;
     platform::Property isPlayerPlaying;

@@ -8,6 +8,7 @@
 #include "model/VLDirectCreativeModel.h"
 #include "model/VLSkipStarPercentageModel.h"
 #include "platform/Application.h"
+#include "screen/Application.h"
 #include "ui/CallToAction.h"
 #include "ui/VLAVPlayerViewController.h"
 
@@ -22,7 +23,7 @@ namespace velmora {
 
 namespace {
 
-namespace Mask = platform::InterfaceOrientationMask;
+namespace Mask = screen::InterfaceOrientationMask;
 
 /// What is recorded of a video whose length is not known.
 constexpr std::int64_t kSecondsOfUnknownVideo = 30;
@@ -41,11 +42,11 @@ constexpr std::array kOrientations{
 };
 
 /// What an ad is presented from: of the containers at the root, what they hold.
-std::shared_ptr<platform::ViewController> presenter() {
-    auto controller = platform::Application::rootViewController();
-    if (const auto navigation = std::dynamic_pointer_cast<platform::NavigationController>(controller))
+std::shared_ptr<screen::ViewController> presenter() {
+    auto controller = screen::Application::rootViewController();
+    if (const auto navigation = std::dynamic_pointer_cast<screen::NavigationController>(controller))
         controller = navigation->viewControllers().empty() ? nullptr : navigation->viewControllers().front();
-    if (const auto tabBar = std::dynamic_pointer_cast<platform::TabBarController>(controller))
+    if (const auto tabBar = std::dynamic_pointer_cast<screen::TabBarController>(controller))
         controller = tabBar->selectedViewController();
     return controller;
 }
@@ -71,7 +72,7 @@ void VLAdShowUIController::showAd(const std::shared_ptr<VelmoraAd>& showAd,
 
     // In its place at once, like the first picture in it: who waits for an ad gains nothing by two slides.
     if (const auto from = presenter())
-        from->presentViewController(std::make_shared<platform::NavigationController>(self()), false);
+        from->presentViewController(std::make_shared<screen::NavigationController>(self()), false);
     updateSuggestionState();
     if (!ad || !tAd || !tAd->isValid()) return;
     if (ad->isVideoAd()) return startShowingVideoAsReplay(false);

@@ -29,7 +29,7 @@ class VelmoraAd;
 /// tells the manager. The half that reports lies in a file of its own. Main thread only; one for each show.
 ///
 /// The flags are numbers that read as false while they are absent.
-class VLAdShowUIController final : public platform::ViewController,
+class VLAdShowUIController final : public screen::ViewController,
                                    public VLWebViewControllerDelegate,
                                    public VLAVPlayerViewControllerDelegate {
 public:

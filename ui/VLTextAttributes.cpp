@@ -25,7 +25,7 @@ std::string resource(std::string_view name) {
 
 VLTextAttributes styled(std::string_view family, double size, const ParagraphStyle& style) {
     VLTextAttributes attributes;
-    attributes.setDictionary({.font = platform::Fonts::fontWithName(family, size), .paragraphStyle = style});
+    attributes.setDictionary({.font = screen::Fonts::fontWithName(family, size), .paragraphStyle = style});
     return attributes;
 }
 
@@ -36,7 +36,7 @@ void VLTextAttributes::loadBundleFonts() {
     std::call_once(loaded, [] {
         for (const std::string_view font : {"Yekan.ttf", "DastNevis.otf"}) {
             // Text without its font is drawn in another one, which is better than a complaint.
-            static_cast<void>(platform::Fonts::add(resource(font)));
+            static_cast<void>(screen::Fonts::add(resource(font)));
         }
     });
 }
@@ -64,7 +64,7 @@ void VLTextAttributes::setStrokeColor(const std::optional<QColor>& color, double
 }
 
 void VLTextAttributes::setFontSize(double size) {
-    dictionary_.font = platform::Fonts::fontWithName(kDefaultFamily, size);
+    dictionary_.font = screen::Fonts::fontWithName(kDefaultFamily, size);
 }
 
 void VLTextAttributes::setLineBreakMode(LineBreakMode mode) {

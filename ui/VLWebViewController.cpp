@@ -31,10 +31,10 @@ constexpr struct {
 
 }  // namespace
 
-platform::Page& VLWebViewController::webView() {
+screen::Page& VLWebViewController::webView() {
     if (webView_) return *webView_;
-    webView_ = platform::Page::make();
-    webView_->setDelegate(std::shared_ptr<platform::PageDelegate>(shared_from_this(), this));
+    webView_ = screen::Page::make();
+    webView_->setDelegate(std::shared_ptr<screen::PageDelegate>(shared_from_this(), this));
     if (auto* page = webView_->widget(); page != nullptr) {
         page->setParent(view());
         page->setGeometry(view()->geometry());
@@ -66,7 +66,7 @@ VLWebViewController::valueForKey(std::string_view key,
 }
 
 void VLWebViewController::viewDidLayoutSubviews() {
-    platform::ViewController::viewDidLayoutSubviews();
+    screen::ViewController::viewDidLayoutSubviews();
     const auto [width, height] = screenSize();
     auto* page = webView().widget();
     if (page == nullptr) return;

@@ -32,10 +32,10 @@ public:
 /// One web page over the whole screen, which speaks to the library by navigating to URLs of the scheme
 /// "velmora": the host is the command. Scheme and host are compared as they are reported; the engine of the
 /// desktop reports them in lower case, however the page wrote them.
-class VLWebViewController : public platform::ViewController, private platform::PageDelegate {
+class VLWebViewController : public screen::ViewController, private screen::PageDelegate {
 public:
     /// The page, made on first use and laid into the view.
-    [[nodiscard]] platform::Page& webView();
+    [[nodiscard]] screen::Page& webView();
 
     [[nodiscard]] const std::optional<std::string>& urlString() const { return urlString_; }
     /// Loads at once, on the screen or not. What is no URL loads nothing.
@@ -62,7 +62,7 @@ private:
     bool pageShouldStartLoad(const std::string& url) override;
     void pageDidFinishLoad(const std::string& url) override;
 
-    std::unique_ptr<platform::Page> webView_;
+    std::unique_ptr<screen::Page> webView_;
     std::optional<std::string> urlString_;
 };
 

@@ -1,7 +1,7 @@
 #include "support/PlayedVideo.h"
 
 #include "harness/EventLoop.h"
-#include "platform/Application.h"
+#include "screen/Application.h"
 #include "screen/qt/player/QtPlayer.h"
 #include "ui/VLAVPlayerViewController.h"
 #include <velmora/VLAdShowOptions.h>
@@ -50,7 +50,7 @@ bool hasPicture(const QWidget& window) {
 }
 
 void PlayedLayer::open(const std::string& file) {
-    player_ = platform::Player::playerWithFile(file);
+    player_ = screen::Player::playerWithFile(file);
     auto* layer = player_->makeLayer(&window_);
     layer->setGeometry(window_.rect());
     layer->show();
@@ -65,7 +65,7 @@ PlayedScreen::PlayedScreen()
 
 void PlayedScreen::open(const std::string& file) {
     controller_->setVideoFilePath(file);
-    platform::Application::rootViewController()->presentViewController(controller_, false);
+    screen::Application::rootViewController()->presentViewController(controller_, false);
     controller_->setSkipButtonVisible(true);
 }
 
@@ -80,16 +80,16 @@ PlayedScreen::~PlayedScreen() {
 
 double PlayedScreen::position() const { return controller_->player->currentTime(); }
 
-std::shared_ptr<platform::Player> CountingPlayers::makeWithUrl(const std::string& url) {
-    return note(std::make_shared<platform::QtPlayer>(QUrl(QString::fromStdString(url))));
+std::shared_ptr<screen::Player> CountingPlayers::makeWithUrl(const std::string& url) {
+    return note(std::make_shared<screen::QtPlayer>(QUrl(QString::fromStdString(url))));
 }
 
-std::shared_ptr<platform::Player> CountingPlayers::makeWithFile(const std::filesystem::path& file) {
+std::shared_ptr<screen::Player> CountingPlayers::makeWithFile(const std::filesystem::path& file) {
     return note(
-        std::make_shared<platform::QtPlayer>(QUrl::fromLocalFile(QString::fromStdString(file.string()))));
+        std::make_shared<screen::QtPlayer>(QUrl::fromLocalFile(QString::fromStdString(file.string()))));
 }
 
-std::shared_ptr<platform::Player> CountingPlayers::note(std::shared_ptr<platform::Player> player) {
+std::shared_ptr<screen::Player> CountingPlayers::note(std::shared_ptr<screen::Player> player) {
     players_.push_back(player);
     return player;
 }

@@ -43,7 +43,7 @@ public:
 
 private:
     QWidget window_;
-    std::shared_ptr<platform::Player> player_;
+    std::shared_ptr<screen::Player> player_;
 };
 
 /// Our whole screen, presented over a window of the application.
@@ -63,18 +63,18 @@ private:
 };
 
 /// Makes the real players and knows which of them are alive.
-class CountingPlayers final : public platform::PlayerFactory {
+class CountingPlayers final : public screen::PlayerFactory {
 public:
-    [[nodiscard]] std::shared_ptr<platform::Player> makeWithUrl(const std::string& url) override;
-    [[nodiscard]] std::shared_ptr<platform::Player> makeWithFile(const std::filesystem::path& file) override;
+    [[nodiscard]] std::shared_ptr<screen::Player> makeWithUrl(const std::string& url) override;
+    [[nodiscard]] std::shared_ptr<screen::Player> makeWithFile(const std::filesystem::path& file) override;
 
     [[nodiscard]] int made() const { return static_cast<int>(players_.size()); }
     [[nodiscard]] int alive() const;
 
 private:
-    std::shared_ptr<platform::Player> note(std::shared_ptr<platform::Player> player);
+    std::shared_ptr<screen::Player> note(std::shared_ptr<screen::Player> player);
 
-    std::vector<std::weak_ptr<platform::Player>> players_;
+    std::vector<std::weak_ptr<screen::Player>> players_;
 };
 
 }  // namespace velmora::bench

@@ -7,6 +7,7 @@
 #include "MainWindow.h"
 #include "Theme.h"
 
+#include <velmora/hosts/qt.h>
 #include <velmora/velmora.h>
 
 #include <iostream>
@@ -38,6 +39,7 @@ int main(int count, char** words) {
     if (const auto end = demo::read(count, words, arguments)) return *end;
     demo::prepareDisplay(arguments.size);
     QApplication application(count, words);
+    velmora::hosts::useQt();
     QApplication::setStyle("Fusion");
     (arguments.dark || isDarkDesktop() ? demo::Theme::dark() : demo::Theme::light()).apply();
     initialise(arguments.debug);

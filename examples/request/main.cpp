@@ -3,6 +3,8 @@
 #include "Options.h"
 #include "Requests.h"
 
+#include <velmora/hosts/qt.h>
+
 #include <QCoreApplication>
 
 int main(int count, char** arguments) {
@@ -15,6 +17,7 @@ int main(int count, char** arguments) {
     if (const auto end = readCommandLine(program, count, arguments)) return *end;
 
     QCoreApplication application(count, arguments);
+    velmora::hosts::useQt();
     auto configuration = std::make_shared<velmora::VLConfiguration>();
     configuration->setDebugMode(options.debug);
     velmora::Velmora::initializeWithAppKey(options.appKey, configuration);

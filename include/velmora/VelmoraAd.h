@@ -63,17 +63,16 @@ public:
     /// Asks `isExpired` for an ad that it knows how to show, with the line that this writes.
     [[nodiscard]] bool isValid() const;
 
-    /// Shows the ad over the whole screen, on the main thread, which runs the application's Qt event loop.
-    /// Returns at once; the ad-show-finished callback of `Velmora` tells how it ended. Null options mean the
-    /// defaults.
+    /// Shows the ad over the whole screen, on the thread of the application's Qt event loop. Returns at once;
+    /// the ad-show-finished callback of `Velmora` tells how it ended. Null options mean the defaults.
     ///
     /// An ad that is not valid, or that this version cannot show, is not shown, and no callback comes: a line
     /// of `VLLog` says so. Nor is one shown whose handle no `std::shared_ptr` holds, or without a window of
     /// the application to show it over.
     ///
     /// A handle that the application made is valid, so that it is shown: an empty screen, which only closing
-    /// its window ends. The same comes of an ad whose time runs out between this call and its turn on the
-    /// main thread.
+    /// its window ends. The same comes of an ad whose time runs out between this call and its turn on that
+    /// thread.
     void showWithOptions(const std::shared_ptr<VLAdShowOptions>& options);
 
     /// For the library's own use: what the handle holds, and its stored form.

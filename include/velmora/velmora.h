@@ -2,6 +2,7 @@
 
 /// Velmora: asks an ad service for an ad, and shows it. This is the one header that an application includes.
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -30,13 +31,16 @@ using OnExpiring = std::function<void(std::shared_ptr<VelmoraAd>)>;
 /// The showing of an ad ends: see `Velmora::setAdShowFinishedCallback`.
 using OnAdShowFinished = std::function<void(std::shared_ptr<VelmoraAd>, bool completed)>;
 
+/// Runs a piece of work later, on the application's main thread: see `Velmora::setMainQueue`.
+using MainQueueFunction = std::function<void(std::function<void()> work)>;
+
 /// The whole entry of the library. Every operation may be called from any thread and never throws; none waits
 /// for the network, while those that store something write the application's store before they return. What
 /// is wrong with an argument is logged through `VLLog`, and the call then does nothing. What a callback
 /// throws is logged.
 ///
-/// "The main thread" is the one that runs the application's Qt event loop; while none runs, what is to happen
-/// there waits.
+/// "The main queue" is where the application says: see `setMainQueue`. While it says nothing, it is a thread
+/// of the library's own, which runs one callback after the other.
 ///
 /// A null pointer given as a text means "absent", as `std::nullopt` does.
 class VELMORA_EXPORT Velmora {
@@ -91,12 +95,12 @@ public:
     /// set, or a number that is none, end in `onError` with "Unsupported cache type." when the service has an
     /// ad.
     ///
-    /// `onExpiring` follows on the main thread when an available ad has a time limit and it runs out, shown
+    /// `onExpiring` follows on the main queue when an available ad has a time limit and it runs out, shown
     /// or not. All four callbacks are required: with one missing, the request is dropped and none is called.
     ///
     /// They are copied by this call, and destroyed soon after the one that is the answer has returned: on the
     /// same thread, or on the calling one when the answer was there before this call had returned. That of
-    /// `onExpiring` lives on, with the handle, until it has been called, and is destroyed on the main thread;
+    /// `onExpiring` lives on, with the handle, until it has been called, and is destroyed there;
     /// without a time limit it goes with the others. What still waits when the process leaves `main` is never
     /// destroyed.
     static void requestAdForZone(const std::optional<std::string>& zone,
@@ -110,8 +114,28 @@ public:
         requestAdForZone(textFrom(zone), andOptions, onAdAvailable, onNoAdAvailable, onError, onExpiring);
     }
 
+    /// Has `function` run what belongs on the application's main thread: `onExpiring` above all.
+    ///
+    /// It is called on any thread, once for each piece of work, and passes it on to the main thread, where
+    /// the work is to be called once, later; it is not to call it at once. Work that is never called holds up
+    /// what comes after it. Ready-made functions for Qt, GLib and SDL are in `<velmora/hosts/...>`.
+    ///
+    /// What waits already goes to the new function. An empty one goes back to what was before: whoever calls
+    /// `runWaiting`, else the library's own thread. The old one is destroyed before this returns, or by the
+    /// thread that is calling it.
+    static void setMainQueue(MainQueueFunction function);
+
+    /// For applications with a loop of their own: runs what waits for the main thread now, and says how many
+    /// pieces that was. The first call of this or of `waitingDescriptor` ends the library's own thread for
+    /// callbacks, and only what is called here runs them from then on. Runs nothing while a function is set.
+    static std::size_t runWaiting();
+
+    /// Readable, as poll(2) has it, while something waits for `runWaiting`. The library's, not to be read or
+    /// closed. -1, with a line in the log, where the process has no descriptor left.
+    [[nodiscard]] static int waitingDescriptor();
+
     /// Sets what is told of the ends of videos, with whether one counts as completed. Always on the main
-    /// thread, in so many calls:
+    /// queue, in so many calls:
     ///
     /// | what becomes of the show | calls | `completed` |
     /// |---|---|---|
@@ -147,7 +171,7 @@ public:
     /// It rewards once for each handle, also for a video that could not be loaded: that counts as completed.
     ///
     /// Replaces the callback set before; an empty one clears it. The old one is destroyed on the thread that
-    /// replaces it, or by the main thread when it is being called there; the last one never.
+    /// replaces it, or by the main queue when it is being called there; the last one never.
     static void setAdShowFinishedCallback(OnAdShowFinished callback);
 
     /// The library's version, "3.0.0".

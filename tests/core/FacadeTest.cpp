@@ -170,9 +170,14 @@ TEST_F(Facade, ARequestWithoutAllCallbacksIsDroppedForTheFirstThatIsMissing) {
 }
 
 TEST_F(Facade, TheEndOfAShowingIsToldToTheCallbackThatWasSetLast) {
+    const auto tell = [](const auto& shown, bool completed) {
+        VelmoraManager::onAdShowFinished(shown, completed);
+        EXPECT_EQ(Velmora::runWaiting(), 1U);
+    };
+    Velmora::runWaiting();
     Velmora::setAdShowFinishedCallback(nullptr);
     const auto ad = std::make_shared<VelmoraAd>();
-    VelmoraManager::onAdShowFinished(ad, true);
+    tell(ad, true);
 
     Lines told;
     Velmora::setAdShowFinishedCallback([&](const auto&, bool) { told.emplace_back("replaced"); });
@@ -180,18 +185,19 @@ TEST_F(Facade, TheEndOfAShowingIsToldToTheCallbackThatWasSetLast) {
         EXPECT_EQ(shown, ad);
         told.emplace_back(completed ? "completed" : "left");
     });
-    VelmoraManager::onAdShowFinished(ad, true);
-    VelmoraManager::onAdShowFinished(ad, false);
+    tell(ad, true);
+    tell(ad, false);
     Velmora::setAdShowFinishedCallback([](const auto&, bool) { throw 7; });
-    VelmoraManager::onAdShowFinished(ad, true);
+    tell(ad, true);
     EXPECT_TRUE(log_.has("An exception left the ad-show-finished callback"));
     Velmora::setAdShowFinishedCallback(nullptr);
-    VelmoraManager::onAdShowFinished(ad, true);
+    tell(ad, true);
     EXPECT_EQ(told, (Lines{"completed", "left"}));
 }
 
 TEST_F(Facade, AShowFinishedCallbackMayReplaceItselfAndCallTheLibraryWhenItGoes) {
     int calls = 0;
+    Velmora::runWaiting();
     auto held =
         std::shared_ptr<void>(nullptr, [](void*) { VelmoraManager::onAdShowFinished(nullptr, true); });
     Velmora::setAdShowFinishedCallback([held = std::move(held)](const auto&, bool) {});
@@ -199,8 +205,10 @@ TEST_F(Facade, AShowFinishedCallbackMayReplaceItselfAndCallTheLibraryWhenItGoes)
         ++calls;
         Velmora::setAdShowFinishedCallback([&calls](const auto&, bool) { calls += 10; });
     });
+    Velmora::runWaiting();
     EXPECT_EQ(calls, 1);
     VelmoraManager::onAdShowFinished(nullptr, true);
+    Velmora::runWaiting();
     EXPECT_EQ(calls, 11);
     Velmora::setAdShowFinishedCallback(nullptr);
 }

@@ -1,11 +1,13 @@
 #include "platform/MainQueue.h"
 
+#include "harness/Await.h"
 #include "platform/Clock.h"
 #include "support/Application.h"
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
 #include "support/Threads.h"
 
+#include <atomic>
 #include <chrono>
 #include <numeric>
 #include <stdexcept>
@@ -14,6 +16,7 @@
 #include <vector>
 
 #include <gmock/gmock.h>
+#include <poll.h>
 
 namespace velmora::test {
 
@@ -23,7 +26,6 @@ using namespace std::chrono_literals;
 
 using platform::MainQueue;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 /// What ran, by number, in its order.
 class Ran {
@@ -39,20 +41,98 @@ public:
     std::vector<int> numbers;
 };
 
-TEST(MainQueue, WorkWaitsForAnApplicationAndItsLoopAndKeepsItsOrder) {
+TEST(MainQueue, WithoutAWordOfTheApplicationWorkRunsOnOneThreadOfTheLibrary) {
+    const LogCapture log;
+    Await<std::thread::id> threads;
+    for (int piece = 0; piece < 3; ++piece)
+        MainQueue::async([&] { threads.add(std::this_thread::get_id()); });
+    ASSERT_TRUE(threads.count(3));
+    EXPECT_NE(threads.values().front(), std::this_thread::get_id());
+    EXPECT_THAT(threads.values(), testing::Each(threads.values().front()));
+    EXPECT_THAT(log.lines(), ElementsAre(testing::HasSubstr("Velmora::setMainQueue")));
+}
+
+TEST(MainQueue, AnApplicationsOwnLoopPollsTheDescriptorAndRunsWhatWaits) {
     Ran ran;
+    const int descriptor = MainQueue::waitingDescriptor();
+    const auto isReadable = [&](int milliseconds) {
+        pollfd one{.fd = descriptor, .events = POLLIN, .revents = 0};
+        return ::poll(&one, 1, milliseconds) == 1;
+    };
+    EXPECT_FALSE(isReadable(0));
     MainQueue::async([&] {
-        // What is given while work runs comes last.
-        MainQueue::async(ran.work(4));
+        // What is given while work runs has its turn the next time.
+        MainQueue::async(ran.work(3));
         ran.numbers.push_back(1);
     });
-    MainQueue::async(ran.work(2));
-    Application application;
-    MainQueue::async(ran.work(3));
-    EXPECT_THAT(ran.numbers, IsEmpty());
+    std::thread([&] { MainQueue::after(1ms, ran.work(2)); }).join();
+    ASSERT_TRUE(isReadable(10'000));
+    EXPECT_GE(MainQueue::runWaiting(), 1U);
+    while (ran.numbers.size() < 3) {
+        ASSERT_TRUE(isReadable(10'000));
+        MainQueue::runWaiting();
+    }
+    EXPECT_THAT(ran.numbers, testing::UnorderedElementsAre(1, 2, 3));
+    EXPECT_FALSE(isReadable(0));
+    EXPECT_EQ(MainQueue::runWaiting(), 0U);
+}
 
-    EXPECT_TRUE(application.runUntil(ran.count(4)));
-    EXPECT_THAT(ran.numbers, ElementsAre(1, 2, 3, 4));
+TEST(MainQueue, WhatWaitsGoesToTheFunctionThatIsSetLast) {
+    Ran ran;
+    std::vector<MainQueue::Work> first;
+    std::vector<MainQueue::Work> second;
+    const auto held = std::make_shared<int>();
+    MainQueue::setRunner([&first, held](auto turn) { first.push_back(std::move(turn)); });
+    for (const int number : {1, 2}) MainQueue::async(ran.work(number));
+    first.front()();
+    MainQueue::setRunner([&second](auto turn) { second.push_back(std::move(turn)); });
+    EXPECT_EQ(held.use_count(), 1);
+    MainQueue::async(ran.work(3));
+    // Turns of the one before are worth nothing any more, and one turn runs one piece only.
+    for (const auto& turn : first) turn();
+    EXPECT_THAT(ran.numbers, ElementsAre(1));
+    EXPECT_EQ(MainQueue::runWaiting(), 0U);
+    for (const auto& turn : second) turn();
+    second.front()();
+    EXPECT_THAT(ran.numbers, ElementsAre(1, 2, 3));
+
+    MainQueue::setRunner([](const auto&) { throw std::runtime_error("not now"); });
+    MainQueue::async(ran.work(4));
+    // The pump was chosen above, and has what no function took.
+    MainQueue::setRunner({});
+    EXPECT_EQ(MainQueue::runWaiting(), 1U);
+}
+
+TEST(MainQueue, AClosedOneDropsWhatWaitsAndWaitsForWhatRuns) {
+    std::atomic<bool> isOver = false;
+    Await<int> begun;
+    const auto held = std::make_shared<int>();
+    MainQueue::async([&] {
+        begun.add(1);
+        std::this_thread::sleep_for(50ms);
+        isOver = true;
+    });
+    MainQueue::async([held] { ADD_FAILURE() << "dropped"; });
+    ASSERT_TRUE(begun.count(1));
+    MainQueue::close(std::chrono::steady_clock::now() + 10s);
+    EXPECT_TRUE(isOver);
+    EXPECT_EQ(held.use_count(), 1);
+    MainQueue::async([] { ADD_FAILURE() << "dropped too"; });
+
+    MainQueue::open();
+    MainQueue::async([&] { begun.add(2); });
+    EXPECT_TRUE(begun.count(2));
+    EXPECT_THAT(begun.values(), ElementsAre(1, 2));
+}
+
+TEST(MainQueue, WhoeverRanItLastIsToldTheRestWhenItCloses) {
+    Ran ran;
+    MainQueue::async(ran.work(1));
+    while (MainQueue::runWaiting() == 0) continue;
+    MainQueue::async(ran.work(2));
+    MainQueue::close(std::chrono::steady_clock::now() + 10s);
+    EXPECT_THAT(ran.numbers, ElementsAre(1, 2));
+    MainQueue::open();
 }
 
 TEST(MainQueue, WorkOfEveryThreadRunsOnTheMainOneInTheOrderOfItsThread) {
@@ -61,7 +141,7 @@ TEST(MainQueue, WorkOfEveryThreadRunsOnTheMainOneInTheOrderOfItsThread) {
     std::vector<std::vector<int>> ran(kThreads);
     int total = 0;
     const auto main = std::this_thread::get_id();
-    // Some of the work comes before the application does.
+    Application application;
     const Threads threads(kThreads, [&](int thread) {
         for (int i = 0; i < kPieces; ++i) {
             MainQueue::async([&, thread, i] {
@@ -71,7 +151,6 @@ TEST(MainQueue, WorkOfEveryThreadRunsOnTheMainOneInTheOrderOfItsThread) {
             });
         }
     });
-    Application application;
     EXPECT_TRUE(application.runUntil([&] { return total == kThreads * kPieces; }));
 
     std::vector<int> order(kPieces);

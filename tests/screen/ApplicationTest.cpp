@@ -1,26 +1,22 @@
-#include "platform/Application.h"
-#include "platform/Screen.h"
-#include "screen/ViewController.h"
+#include "screen/Application.h"
 
 #include "harness/EventLoop.h"
-#include "support/LogCapture.h"
-#include "support/OddUrls.h"
-#include "support/Opener.h"
+#include "platform/Screen.h"
+#include "screen/ViewController.h"
 #include "support/TurnedScreen.h"
 
 #include <future>
-#include <string>
 
 #include <QGuiApplication>
 #include <QScreen>
 #include <QWidget>
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace velmora::test {
 
 namespace {
 
-using platform::Application;
+using screen::Application;
 
 TEST(Application, TheInterfaceStandsAsTheScreenDoes) {
     // Any thread may ask.
@@ -56,39 +52,13 @@ TEST(Application, EachWindowHasOneRootForAsLongAsItLives) {
         ASSERT_TRUE(runUntil([&] { return first.isActiveWindow(); }));
         EXPECT_EQ(Application::rootViewController(), ofFirst);
     }
-    const auto own = std::make_shared<platform::ViewController>();
+    const auto own = std::make_shared<screen::ViewController>();
     Application::setRootViewController(own);
     EXPECT_EQ(Application::rootViewController(), own);
     Application::setRootViewController(nullptr);
     EXPECT_EQ(Application::rootViewController(), ofFirst);
     first.hide();
     EXPECT_EQ(Application::rootViewController(), nullptr);
-}
-
-TEST(Application, AUrlIsOpenedByTheDesktopAsItStands) {
-    const Opener opener("velmora-test");
-    const std::string url = "velmora-test:a'b$(touch%20x);d&e=%D8%A7,*~";
-    EXPECT_FALSE(Application::canOpenUrl("no-such-scheme:x"));
-    EXPECT_FALSE(Application::canOpenUrl("no scheme"));
-    EXPECT_FALSE(Application::canOpenUrl(""));
-    EXPECT_FALSE(Application::canOpenUrl("//velmora-test"));
-    for (const auto& odd : oddUrls("velmora-test:")) EXPECT_TRUE(Application::canOpenUrl(odd)) << odd;
-    for (const auto& none : noUrls("velmora-test:")) {
-        EXPECT_FALSE(Application::canOpenUrl(none)) << none;
-        Application::openUrl(none);
-    }
-    ASSERT_TRUE(Application::canOpenUrl(url));
-    Application::openUrl(url);
-    EXPECT_TRUE(runUntil([&] { return !opener.opened().empty(); }));
-    EXPECT_THAT(opener.opened(), testing::ElementsAre(url));
-}
-
-TEST(Application, AUrlThatNobodyOpensIsLogged) {
-    for (const std::string url : {"no-such-scheme:x", "no URL"}) {
-        const LogCapture log;
-        Application::openUrl(url);
-        EXPECT_TRUE(runUntil([&] { return log.has("A URL cannot be opened"); })) << url;
-    }
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
-#include "platform/Application.h"
 #include "platform/Screen.h"
+#include "screen/Application.h"
+
+#include "platform/Application.h"
 #include "screen/ViewController.h"
 #include "support/Application.h"
 #include "support/LogCapture.h"
@@ -19,21 +21,21 @@ TEST(NoScreen, NothingIsPresentedAndNothingFails) {
     std::optional<Application> application;
     for (int round = 0; round < 2; ++round, application.emplace()) {
         const LogCapture log;
-        EXPECT_FALSE(platform::Application::hasScreen());
-        EXPECT_EQ(platform::Application::rootViewController(), nullptr);
+        EXPECT_FALSE(screen::Application::hasScreen());
+        EXPECT_EQ(screen::Application::rootViewController(), nullptr);
         EXPECT_EQ(platform::Screen::main().size.width, 0);
         EXPECT_EQ(platform::Screen::main().orientation, platform::InterfaceOrientation::unknown);
         EXPECT_FALSE(platform::Application::canOpenUrl("no-such-scheme:x"));
 
-        const auto root = std::make_shared<platform::ViewController>();
-        const auto one = std::make_shared<platform::ViewController>();
-        platform::Application::setRootViewController(root);
+        const auto root = std::make_shared<screen::ViewController>();
+        const auto one = std::make_shared<screen::ViewController>();
+        screen::Application::setRootViewController(root);
         root->presentViewController(one, true, [] { FAIL() << "nothing can have appeared"; });
         root->dismissViewControllerAnimated(true, [] { FAIL() << "there was nothing to dismiss"; });
         EXPECT_TRUE(log.has("no QApplication"));
         EXPECT_EQ(one->presentingViewController(), nullptr);
         EXPECT_FALSE(one->isViewLoaded());
-        platform::Application::setRootViewController(nullptr);
+        screen::Application::setRootViewController(nullptr);
     }
 }
 

@@ -10,12 +10,12 @@ namespace velmora::test {
 
 namespace {
 
-using platform::Player;
-using platform::PlayerStatus;
+using screen::Player;
+using screen::PlayerStatus;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class Watcher final : public platform::PlayerStatusObserver {
+class Watcher final : public screen::PlayerStatusObserver {
 public:
     void playerStatusDidChange(Player& player) override {
         seen.push_back(player.status());

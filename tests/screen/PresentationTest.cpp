@@ -1,5 +1,5 @@
-#include "platform/Application.h"
 #include "platform/Clock.h"
+#include "screen/Application.h"
 #include "support/ManualClock.h"
 #include "support/Screens.h"
 
@@ -20,8 +20,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-using platform::NavigationController;
-using platform::ViewController;
+using screen::NavigationController;
+using screen::ViewController;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;
@@ -228,13 +228,13 @@ TEST_F(Screens, AClockThatIsSetBackEndsTheAnimation) {
     clock->time -= 1h;
     ASSERT_TRUE(clock->next);
     clock->next();
-    EXPECT_EQ(events_.back(), "there");
+    EXPECT_TRUE(heard("there"));
     platform::Clock::replace(nullptr);
 }
 
 TEST_F(Screens, TheEndOfAPresentationIsNotThatOfTheApplication) {
     const auto own = std::make_shared<ViewController>();
-    platform::Application::setRootViewController(own);
+    screen::Application::setRootViewController(own);
     window_.hide();
     int quits = 0;
     const auto watch = QObject::connect(qApp, &QGuiApplication::lastWindowClosed, [&] { ++quits; });
@@ -253,7 +253,7 @@ TEST_F(Screens, TheEndOfAPresentationIsNotThatOfTheApplication) {
     QCoreApplication::exec();
     EXPECT_EQ(quits, 0);
     QObject::disconnect(watch);
-    platform::Application::setRootViewController(nullptr);
+    screen::Application::setRootViewController(nullptr);
 }
 
 // The last one, because it leaves something on the screen.
@@ -264,7 +264,7 @@ TEST(TheEnd, WhatIsOnTheScreenGoesWithTheApplicationObject) {
     qAddPostRoutine([] { delete window; });
     window->show();
     kept = std::make_shared<Screen>("kept", events);
-    const auto root = platform::Application::rootViewController();
+    const auto root = screen::Application::rootViewController();
     root->presentViewController(kept, false);
     kept->presentViewController(std::make_shared<Screen>("b", events), true);
     ASSERT_TRUE(runUntil([] { return !events.empty() && events.back() == "b laid out"; }));

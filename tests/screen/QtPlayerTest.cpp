@@ -30,9 +30,9 @@ using sandbox::SeenRequest;
 
 using namespace std::chrono_literals;
 
-using platform::Player;
-using platform::PlayerStatus;
-using platform::QtPlayer;
+using screen::Player;
+using screen::PlayerStatus;
+using screen::QtPlayer;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::IsSubsetOf;
@@ -44,7 +44,7 @@ QUrl local(const std::filesystem::path& file) {
 QUrl remote(const std::string& url) { return QUrl(QString::fromStdString(url)); }
 
 /// A player and what it has told.
-class Watched final : public platform::PlayerStatusObserver, public std::enable_shared_from_this<Watched> {
+class Watched final : public screen::PlayerStatusObserver, public std::enable_shared_from_this<Watched> {
 public:
     static std::shared_ptr<Watched> make(std::shared_ptr<Player> player) {
         auto watched = std::make_shared<Watched>();
@@ -355,7 +355,7 @@ TEST_F(QtPlayerTest, AnObserverMayReleaseThePlayerWhateverItIsTold) {
         std::shared_ptr<Player> player =
             std::make_shared<QtPlayer>(when == "failed" ? local(videos_.missing()) : usual);
         const std::weak_ptr<Player> weak = player;
-        class Releaser final : public platform::PlayerStatusObserver {
+        class Releaser final : public screen::PlayerStatusObserver {
         public:
             void playerStatusDidChange(Player&) override { release(); }
             std::function<void()> release;

@@ -1,7 +1,7 @@
 #include "screen/ViewController.h"
 
-#include "platform/Application.h"
 #include "platform/Screen.h"
+#include "screen/Application.h"
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
 #include "support/Screens.h"
@@ -19,9 +19,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-using platform::NavigationController;
-using platform::TabBarController;
-using platform::ViewController;
+using screen::NavigationController;
+using screen::TabBarController;
+using screen::ViewController;
 using testing::ElementsAre;
 
 TEST_F(Screens, APresentedOneIsLoadedLaidOutMovedInAndThenAppears) {
@@ -105,7 +105,7 @@ TEST_F(Screens, CompletionsMayPresentDismissAndThrow) {
 TEST_F(Screens, ContainersAnswerForWhatTheyShow) {
     const auto left = screen("left");
     const auto right = screen("right");
-    right->mask = platform::InterfaceOrientationMask::portrait;
+    right->mask = screen::InterfaceOrientationMask::portrait;
     const auto tabs = std::make_shared<TabBarController>(
         std::vector<std::shared_ptr<ViewController>>{left, nullptr, right});
     const auto navigation = std::make_shared<NavigationController>(tabs);
@@ -117,7 +117,7 @@ TEST_F(Screens, ContainersAnswerForWhatTheyShow) {
     EXPECT_TRUE(heard("done"));
     EXPECT_TRUE(left->view()->isVisible());
     tabs->setSelectedIndex(1);
-    EXPECT_EQ(navigation->supportedInterfaceOrientations(), platform::InterfaceOrientationMask::portrait);
+    EXPECT_EQ(navigation->supportedInterfaceOrientations(), screen::InterfaceOrientationMask::portrait);
     EXPECT_FALSE(left->view()->isVisible());
     EXPECT_EQ(right->view()->size(), navigation->view()->size());
     right->removeFromParentViewController();

@@ -23,7 +23,7 @@ namespace velmora::test {
 
 namespace {
 
-using platform::Page;
+using screen::Page;
 using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;

@@ -13,7 +13,7 @@
 
 namespace {
 
-using velmora::platform::Page;
+using velmora::screen::Page;
 
 void showPage(std::string_view terms) {
     // Kept beyond the end of the application object, as everything of the library may be.

@@ -5,6 +5,8 @@
 #include <functional>
 #include <string>
 
+#include <velmora/hosts/qt.h>
+
 #include <QCoreApplication>
 
 namespace velmora::test {
@@ -12,6 +14,12 @@ namespace velmora::test {
 /// The application object of a host, whose event loop runs when it is told to.
 class Application {
 public:
+    Application() { hosts::useQt(); }
+
+    ~Application() = default;
+    Application(const Application&) = delete;
+    Application& operator=(const Application&) = delete;
+
     /// As the function of that name.
     bool runUntil(const std::function<bool()>& done) { return test::runUntil(done); }
 

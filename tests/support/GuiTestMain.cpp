@@ -5,6 +5,8 @@
 
 #include <gmock/gmock.h>
 
+#include <velmora/hosts/qt.h>
+
 #include <QApplication>
 
 // What the leak sanitizer is to leave alone: the sound system keeps memory for the life of the process.
@@ -21,5 +23,6 @@ int main(int count, char** arguments) {
         setenv("QT_QPA_PLATFORM", "offscreen", 1);
     testing::InitGoogleMock(&count, arguments);
     const QApplication application(count, arguments);
+    velmora::hosts::useQt();
     return RUN_ALL_TESTS();
 }

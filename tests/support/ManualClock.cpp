@@ -1,8 +1,7 @@
 #include "support/ManualClock.h"
 
-#include "platform/MainQueue.h"
-
 #include <algorithm>
+#include <vector>
 
 namespace velmora::test {
 
@@ -17,12 +16,14 @@ void ManualClock::after(std::chrono::milliseconds delay, Work work) {
 }
 
 void ManualClock::advance(std::chrono::nanoseconds time) {
-    const platform::MutexLock lock(mutex_);
-    now_ += time;
-    while (!waiting_.empty() && waiting_.begin()->first <= now_) {
-        platform::MainQueue::async(std::move(waiting_.begin()->second));
-        waiting_.erase(waiting_.begin());
+    std::vector<Work> due;
+    {
+        const platform::MutexLock lock(mutex_);
+        now_ += time;
+        for (; !waiting_.empty() && waiting_.begin()->first <= now_; waiting_.erase(waiting_.begin()))
+            due.push_back(std::move(waiting_.begin()->second));
     }
+    for (const auto& work : due) work();
 }
 
 std::size_t ManualClock::waiting() const {

@@ -14,7 +14,7 @@ public:
     [[nodiscard]] std::chrono::system_clock::time_point now() const override;
     void after(std::chrono::milliseconds delay, Work work) override;
 
-    /// Moves on; delays that end meanwhile give their work to the main queue, in the order of their ends.
+    /// Moves on; delays that end meanwhile run their work here, in the order of their ends.
     void advance(std::chrono::nanoseconds time);
 
     /// How many delays have not ended.

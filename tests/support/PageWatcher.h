@@ -10,7 +10,7 @@
 namespace velmora::test {
 
 /// A page's delegate that remembers what it was told.
-class PageWatcher final : public platform::PageDelegate {
+class PageWatcher final : public screen::PageDelegate {
 public:
     bool pageShouldStartLoad(const std::string& url) override {
         starts.push_back(url);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "harness/EventLoop.h"
-#include "platform/Application.h"
+#include "screen/Application.h"
 #include "screen/ViewController.h"
 
 #include <algorithm>
@@ -22,12 +22,12 @@ using Events = std::vector<std::string>;
 inline int alive = 0;
 
 /// Notes what it is told.
-class Screen final : public platform::ViewController {
+class Screen final : public screen::ViewController {
 public:
     Screen(std::string name, Events& events) : name_(std::move(name)), events_(events) { ++alive; }
     ~Screen() override { --alive; }
 
-    std::uint32_t mask = platform::InterfaceOrientationMask::all;
+    std::uint32_t mask = screen::InterfaceOrientationMask::all;
     std::function<void()> onLoad;
     std::function<void()> onAppear;
 
@@ -38,7 +38,7 @@ private:
         if (onLoad) onLoad();
     }
     void viewDidAppear(bool animated) override {
-        platform::ViewController::viewDidAppear(animated);
+        screen::ViewController::viewDidAppear(animated);
         events_.push_back(name_ + " appeared");
         if (onAppear) onAppear();
     }
@@ -70,7 +70,7 @@ protected:
         return std::make_shared<Screen>(name, events_);
     }
 
-    platform::ViewController::Completion note(const std::string& what) {
+    screen::ViewController::Completion note(const std::string& what) {
         return [this, what] { events_.push_back(what); };
     }
 
@@ -78,8 +78,8 @@ protected:
         return runUntil([&] { return !events_.empty() && events_.back() == what; });
     }
 
-    static std::shared_ptr<platform::ViewController> root() {
-        return platform::Application::rootViewController();
+    static std::shared_ptr<screen::ViewController> root() {
+        return screen::Application::rootViewController();
     }
 
     /// Whether it stays unheard for longer than an animation takes.

@@ -7,7 +7,7 @@ namespace velmora::test {
 namespace {
 
 /// What the library holds of a scripted page.
-class Held final : public platform::Page {
+class Held final : public screen::Page {
 public:
     explicit Held(std::shared_ptr<ScriptedPage> script) : script_(std::move(script)) {
         script_->widget = new QWidget;
@@ -20,7 +20,7 @@ public:
 
     QWidget* widget() override { return script_->widget; }
     void load(const std::string& url) override { script_->loads.push_back(url); }
-    void setDelegate(std::weak_ptr<platform::PageDelegate> delegate) override {
+    void setDelegate(std::weak_ptr<screen::PageDelegate> delegate) override {
         script_->delegate = std::move(delegate);
     }
 
@@ -40,12 +40,12 @@ void ScriptedPage::finish(const std::string& url) const {
 }
 
 ScriptedPages::ScriptedPages() : made_(std::make_shared<std::vector<std::shared_ptr<ScriptedPage>>>()) {
-    platform::Page::replaceFactory([made = made_] {
+    screen::Page::replaceFactory([made = made_] {
         made->push_back(std::make_shared<ScriptedPage>());
         return std::make_unique<Held>(made->back());
     });
 }
 
-ScriptedPages::~ScriptedPages() { platform::Page::replaceFactory({}); }
+ScriptedPages::~ScriptedPages() { screen::Page::replaceFactory({}); }
 
 }  // namespace velmora::test

@@ -21,7 +21,7 @@ public:
 
     /// Every URL that it was told to load.
     std::vector<std::string> loads;
-    std::weak_ptr<platform::PageDelegate> delegate;
+    std::weak_ptr<screen::PageDelegate> delegate;
     /// Null when the page has gone.
     QPointer<QWidget> widget;
 };

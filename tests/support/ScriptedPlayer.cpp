@@ -6,8 +6,8 @@
 
 namespace velmora::test {
 
-using platform::Player;
-using platform::PlayerStatus;
+using screen::Player;
+using screen::PlayerStatus;
 
 namespace {
 
@@ -77,7 +77,7 @@ int ScriptedPlayer::count(const std::string& call) const {
     return static_cast<int>(std::count(calls.begin(), calls.end(), call));
 }
 
-class UseScriptedPlayers::Factory final : public platform::PlayerFactory {
+class UseScriptedPlayers::Factory final : public screen::PlayerFactory {
 public:
     [[nodiscard]] std::shared_ptr<Player> makeWithUrl(const std::string& url) override {
         return make("url " + url);

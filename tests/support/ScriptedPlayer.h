@@ -13,11 +13,11 @@
 namespace velmora::test {
 
 /// A player that plays nothing: it writes down what it is told, and what happens to it is the test's word.
-class ScriptedPlayer final : public platform::Player {
+class ScriptedPlayer final : public screen::Player {
 public:
     explicit ScriptedPlayer(std::string source);
 
-    void become(platform::PlayerStatus status);
+    void become(screen::PlayerStatus status);
     /// A tick at that time.
     void tick(double seconds);
     void pass(double seconds);
@@ -25,7 +25,7 @@ public:
     /// Ends all seeks, in their order.
     void finishSeeks(bool finished);
 
-    [[nodiscard]] platform::PlayerStatus status() const override { return status_; }
+    [[nodiscard]] screen::PlayerStatus status() const override { return status_; }
     void play() override;
     void pause() override;
     [[nodiscard]] double rate() const override { return rate_; }
@@ -48,7 +48,7 @@ public:
     QPointer<QWidget> layer;  ///< the last one that was made
 
 private:
-    platform::PlayerStatus status_ = platform::PlayerStatus::unknown;
+    screen::PlayerStatus status_ = screen::PlayerStatus::unknown;
     double rate_ = 0;
     double time_ = 0;
     bool isMuted_ = false;

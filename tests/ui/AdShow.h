@@ -5,8 +5,8 @@
 #include "model/VLFinalStatesModel.h"
 #include "model/VelmoraAdState.h"
 #include "net/VLWebServices.h"
-#include "platform/Application.h"
 #include "sandbox/ScriptedServer.h"
+#include "screen/Application.h"
 #include "store/VLDefaults.h"
 #include "support/ApplicationStore.h"
 #include "support/ManualClock.h"
@@ -115,8 +115,8 @@ public:
 
     /// The show over the window of the application; null for none.
     static std::shared_ptr<VLAdShowUIController> inFront() {
-        const auto presented = platform::Application::rootViewController()->presentedViewController();
-        const auto navigation = std::dynamic_pointer_cast<platform::NavigationController>(presented);
+        const auto presented = screen::Application::rootViewController()->presentedViewController();
+        const auto navigation = std::dynamic_pointer_cast<screen::NavigationController>(presented);
         if (!navigation) return nullptr;
         return std::dynamic_pointer_cast<VLAdShowUIController>(navigation->viewControllers().front());
     }
@@ -136,7 +136,7 @@ public:
 
     void play(double length = 8) {
         player()->length = length;
-        player()->become(platform::PlayerStatus::readyToPlay);
+        player()->become(screen::PlayerStatus::readyToPlay);
         rest();
     }
 
@@ -165,7 +165,7 @@ public:
     }
 
     void fail() {
-        player()->become(platform::PlayerStatus::failed);
+        player()->become(screen::PlayerStatus::failed);
         mark("failed");
         rest();
     }

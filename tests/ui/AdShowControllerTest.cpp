@@ -26,10 +26,10 @@ std::shared_ptr<VelmoraAd> downloadedTo(const std::filesystem::path& file, std::
     return ad;
 }
 
-using platform::Application;
-using platform::NavigationController;
-using platform::TabBarController;
-using platform::ViewController;
+using screen::Application;
+using screen::NavigationController;
+using screen::TabBarController;
+using screen::ViewController;
 using testing::ElementsAre;
 
 TEST_F(AdShow, TheSourceIsThatOfTheCacheTypeAndAReplayKeepsIt) {

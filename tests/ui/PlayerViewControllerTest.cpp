@@ -1,7 +1,7 @@
 #include "ui/VLAVPlayerViewController.h"
 
 #include "harness/EventLoop.h"
-#include "platform/Application.h"
+#include "screen/Application.h"
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
 #include "support/ScriptedPlayer.h"
@@ -30,7 +30,7 @@ namespace velmora::test {
 
 namespace {
 
-using platform::PlayerStatus;
+using screen::PlayerStatus;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -88,8 +88,8 @@ protected:
         settle();
     }
 
-    static std::shared_ptr<platform::ViewController> root() {
-        return platform::Application::rootViewController();
+    static std::shared_ptr<screen::ViewController> root() {
+        return screen::Application::rootViewController();
     }
 
     [[nodiscard]] ScriptedPlayer& player() const { return *players_.last(); }

@@ -1,6 +1,6 @@
 #include "harness/EventLoop.h"
 #include "harness/Videos.h"
-#include "platform/Application.h"
+#include "screen/Application.h"
 #include "support/TurnedScreen.h"
 #include "ui/ImageButton.h"
 #include "ui/Told.h"
@@ -35,7 +35,7 @@ protected:
                                                                      VLCreativeType::video);
         controller->delegate = told_;
         (*controller.*source)(video);
-        platform::Application::rootViewController()->presentViewController(controller, true);
+        screen::Application::rootViewController()->presentViewController(controller, true);
         return controller;
     }
 
@@ -100,7 +100,7 @@ TEST_F(VideoShow, NothingIsLeftOfTwentyShows) {
         auto controller = present(url);
         const std::weak_ptr<VLAVPlayerViewController> shown = controller;
         ASSERT_TRUE(plays());
-        const std::weak_ptr<platform::Player> player = controller->player;
+        const std::weak_ptr<screen::Player> player = controller->player;
         controller->exitButtonTouched();
         ASSERT_TRUE(goes());
         EXPECT_THAT(events(), ElementsAre("gone no"));

@@ -1,8 +1,8 @@
 #include "ui/VLWebViewController.h"
 
 #include "harness/EventLoop.h"
-#include "platform/Application.h"
 #include "platform/Screen.h"
+#include "screen/Application.h"
 #include "support/OddUrls.h"
 #include "support/ScriptedPage.h"
 
@@ -64,7 +64,7 @@ protected:
 
     void present() {
         bool done = false;
-        const auto root = platform::Application::rootViewController();
+        const auto root = screen::Application::rootViewController();
         root->presentViewController(controller, false, [&] { done = true; });
         ASSERT_TRUE(runUntil([&] { return done; }));
     }

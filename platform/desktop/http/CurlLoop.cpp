@@ -3,7 +3,7 @@
 #include "platform/CallOut.h"
 #include "platform/UrlSession.h"
 #include "platform/desktop/http/CurlTransfer.h"
-#include "platform/desktop/http/DetachedThread.h"
+#include "platform/desktop/system/DetachedThread.h"
 
 #include <algorithm>
 #include <string>

@@ -2,7 +2,7 @@
 
 #include "platform/Mutex.h"
 #include "platform/desktop/http/CurlTransfer.h"
-#include "platform/desktop/http/DelegateQueue.h"
+#include "platform/desktop/system/SerialQueue.h"
 
 #include <atomic>
 #include <chrono>
@@ -38,7 +38,7 @@ public:
     /// not end in time goes on alone. Nothing is completed any more.
     void leave();
 
-    DelegateQueue delegateQueue;
+    SerialQueue delegateQueue;
     std::atomic<std::chrono::milliseconds> idleTimeout;
 
 private:

@@ -3,24 +3,15 @@
 #include "platform/CallOut.h"
 #include "platform/Log.h"
 #include "platform/UrlText.h"
-#include "screen/qt/presentation/RootControllers.h"
 
 #include <memory>
 #include <thread>
-#include <utility>
 
-#include <QApplication>
-#include <QScreen>
-
-// GIO names a struct member as Qt names a macro.
-#undef signals
 #include <gio/gio.h>
 
 namespace velmora::platform {
 
 namespace {
-
-bool hasWidgets() { return qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr; }
 
 struct Release {
     void operator()(GObject* object) const noexcept { g_object_unref(object); }
@@ -36,16 +27,6 @@ void launch(const std::string& url) {
 
 }  // namespace
 
-bool Application::hasScreen() { return hasWidgets() && QGuiApplication::primaryScreen() != nullptr; }
-
-std::shared_ptr<ViewController> Application::rootViewController() {
-    return RootControllers::instance().current();
-}
-
-void Application::setRootViewController(std::shared_ptr<ViewController> controller) {
-    RootControllers::instance().set(std::move(controller));
-}
-
 bool Application::canOpenUrl(const std::string& url) {
     const auto scheme = urlScheme(url);
     if (!isUrl(url) || scheme.empty()) return false;
@@ -56,7 +37,7 @@ bool Application::canOpenUrl(const std::string& url) {
 
 void Application::openUrl(const std::string& url) {
     if (!isUrl(url)) return log("A URL cannot be opened: it is none");
-    // GIO's own asynchronous call needs an event loop of GLib's kind, which Qt does not everywhere run.
+    // GIO's own asynchronous call needs an event loop of GLib's kind, which not every application runs.
     callOut("opening a URL", [&] { std::thread([url] { launch(url); }).detach(); });
 }
 

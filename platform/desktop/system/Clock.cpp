@@ -1,23 +1,23 @@
 #include "platform/Clock.h"
 
+#include "platform/CallOut.h"
 #include "platform/Immortal.h"
-#include "platform/MainQueue.h"
 #include "platform/Mutex.h"
+#include "platform/desktop/system/DetachedThread.h"
 
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <utility>
+#include <vector>
 
-#include <QCoreApplication>
-#include <QTimer>
+#include <glib.h>
 
 namespace velmora::platform {
 
 namespace {
 
-using Steady = std::chrono::steady_clock;
-
-/// The delays that wait, in the order of their ends, with one timer of the event loop for the first of them.
+/// The delays that wait, in the order of their ends, on a thread of their own with one alarm for the first.
 class Delays {
 public:
     static Delays& instance() {
@@ -25,51 +25,55 @@ public:
         return *delays;
     }
 
-    void add(Steady::time_point due, Clock::Work work) {
-        {
-            const MutexLock lock(mutex_);
-            // Equal ends keep the order in which they were asked for.
-            waiting_.emplace(due, std::move(work));
-        }
-        MainQueue::async([this] { look(); });
-    }
-
-    /// The timer has gone off, or went with the application object that it belonged to.
-    void onAlarm() {
-        {
-            const MutexLock lock(mutex_);
-            alarm_ = Steady::time_point::max();
-        }
-        look();
+    void add(std::chrono::microseconds delay, Clock::Work work) {
+        const MutexLock lock(mutex_);
+        // Equal ends keep the order in which they were asked for.
+        waiting_.emplace(g_get_monotonic_time() + delay.count(), std::move(work));
+        if (!hasThread_) hasThread_ = startDetachedThread([this] { run(); });
+        setAlarm();
     }
 
 private:
-    /// On the main thread: hands over what is due, and sets the timer for what is not.
-    void look() {
-        const MutexLock lock(mutex_);
-        while (!waiting_.empty() && waiting_.begin()->first <= Steady::now()) {
-            MainQueue::async(std::move(waiting_.begin()->second));
-            waiting_.erase(waiting_.begin());
+    friend class Immortal<Delays>;
+
+    Delays() {
+        static GSourceFuncs functions{};
+        functions.dispatch = [](GSource*, GSourceFunc, gpointer) -> gboolean {
+            instance().onAlarm();
+            return G_SOURCE_CONTINUE;
+        };
+        context_ = g_main_context_new();
+        alarm_ = g_source_new(&functions, sizeof(GSource));
+        g_source_attach(alarm_, context_);
+    }
+
+    void run() {
+        for (;;) g_main_context_iteration(context_, TRUE);
+    }
+
+    void onAlarm() {
+        std::vector<Clock::Work> due;
+        {
+            const MutexLock lock(mutex_);
+            const auto now = g_get_monotonic_time();
+            for (; !waiting_.empty() && waiting_.begin()->first <= now; waiting_.erase(waiting_.begin()))
+                due.push_back(std::move(waiting_.begin()->second));
+            setAlarm();
         }
-        if (waiting_.empty() || waiting_.begin()->first >= alarm_) return;
-        alarm_ = waiting_.begin()->first;
-        // In pieces, because one timer reaches 24 days at most.
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(alarm_ - Steady::now());
-        const auto piece = std::min<std::chrono::milliseconds>(left, std::chrono::hours(24));
-        QTimer::singleShot(piece, Qt::PreciseTimer, QCoreApplication::instance(), [this] { onAlarm(); });
+        for (const auto& work : due) callOut("the end of a delay", work);
+    }
+
+    void setAlarm() VELMORA_REQUIRES(mutex_) {
+        g_source_set_ready_time(alarm_, waiting_.empty() ? -1 : waiting_.begin()->first);
     }
 
     Mutex mutex_;
-    std::multimap<Steady::time_point, Clock::Work> waiting_ VELMORA_GUARDED_BY(mutex_);
-    /// When the next timer goes off.
-    Steady::time_point alarm_ VELMORA_GUARDED_BY(mutex_) = Steady::time_point::max();
+    /// By the monotonic clock, in microseconds.
+    std::multimap<gint64, Clock::Work> waiting_ VELMORA_GUARDED_BY(mutex_);
+    bool hasThread_ VELMORA_GUARDED_BY(mutex_) = false;
+    GMainContext* context_ = nullptr;
+    GSource* alarm_ = nullptr;
 };
-
-void lookWithNewApplication() {
-    MainQueue::async([] { Delays::instance().onAlarm(); });
-}
-
-Q_COREAPP_STARTUP_FUNCTION(lookWithNewApplication)
 
 class SystemClock final : public Clock {
 public:
@@ -81,8 +85,7 @@ public:
         if (!work) return;
         // Far beyond any process, and far from the end of the clock's own range.
         constexpr std::chrono::milliseconds furthest = std::chrono::hours(24 * 365 * 100);
-        Delays::instance().add(Steady::now() + std::clamp(delay, std::chrono::milliseconds(0), furthest),
-                               std::move(work));
+        Delays::instance().add(std::clamp(delay, std::chrono::milliseconds(0), furthest), std::move(work));
     }
 };
 

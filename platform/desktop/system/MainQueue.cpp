@@ -4,18 +4,32 @@
 #include "platform/Clock.h"
 #include "platform/Immortal.h"
 #include "platform/Mutex.h"
+#include "platform/desktop/system/SerialQueue.h"
 
+#include <algorithm>
+#include <cerrno>
+#include <condition_variable>
+#include <cstdint>
+#include <cstring>
 #include <deque>
 #include <memory>
+#include <optional>
+#include <thread>
+#include <utility>
+#include <vector>
 
-#include <QCoreApplication>
-#include <QObject>
+#include <sys/eventfd.h>
+#include <unistd.h>
 
 namespace velmora::platform {
 
 namespace {
 
-/// The work that waits, and the object of the main thread that is told of it.
+using Work = MainQueue::Work;
+using Runner = MainQueue::Runner;
+using Deadline = std::chrono::steady_clock::time_point;
+
+/// The work that waits, and who is told of each piece of it.
 class Waiting {
 public:
     static Waiting& instance() {
@@ -23,69 +37,197 @@ public:
         return *waiting;
     }
 
-    void add(MainQueue::Work work) {
+    void add(Work work) {
         if (!work) return;
-        const MutexLock lock(mutex_);
-        work_.push_back(std::move(work));
-        if (receiver_ && work_.size() == 1) wake();
+        std::shared_ptr<const Runner> runner;
+        unsigned turn = 0;
+        {
+            const MutexLock lock(mutex_);
+            if (isClosed_) return;
+            work_.push_back(std::move(work));
+            runner = runner_;
+            turn = turn_;
+            if (!runner) return tellPumpOrThread();
+        }
+        hand(*runner, turn);
     }
 
-    /// The application object has come: what waited is due at the first turns of its event loop.
-    void attach() {
-        auto receiver = std::make_unique<QObject>();
-        receiver->moveToThread(QCoreApplication::instance()->thread());
-        const MutexLock lock(mutex_);
-        receiver_ = std::move(receiver);
-        if (!work_.empty()) wake();
+    void setRunner(Runner runner) {
+        auto next = runner ? std::make_shared<const Runner>(std::move(runner)) : nullptr;
+        std::size_t count = 0;
+        unsigned turn = 0;
+        {
+            const MutexLock lock(mutex_);
+            runner_.swap(next);
+            turn = ++turn_;
+            count = work_.size();
+            if (!runner_) {
+                for (; count > 0; --count) tellPumpOrThread();
+            } else {
+                drain();
+            }
+        }
+        // The one before is destroyed here, without the lock: it may hold objects of the application.
+        next.reset();
+        for (; count > 0; --count) {
+            if (const auto now = current(turn)) hand(*now, turn);
+        }
     }
 
-    /// The application object goes: work waits for the next one.
-    void detach() {
-        std::unique_ptr<QObject> receiver;
+    std::size_t runWaiting() {
+        std::size_t count = 0;
+        {
+            const MutexLock lock(mutex_);
+            choosePump();
+            if (runner_) return 0;
+            count = work_.size();
+            drain();
+        }
+        std::size_t ran = 0;
+        while (ran < count && runNext(std::nullopt)) ++ran;
         const MutexLock lock(mutex_);
-        receiver.swap(receiver_);
+        if (!work_.empty() && !runner_) signal();
+        return ran;
+    }
+
+    int waitingDescriptor() {
+        const MutexLock lock(mutex_);
+        choosePump();
+        if (descriptor_ < 0) {
+            descriptor_ = ::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
+            if (descriptor_ < 0)
+                log(std::string("Nobody can wait for work of the main queue: ") + std::strerror(errno));
+            else if (!work_.empty() && !runner_)
+                signal();
+        }
+        return descriptor_;
+    }
+
+    void close(Deadline deadline) {
+        // By the thread that is the main one, as far as is known, what waits is told now.
+        while (isOfThisThread() && std::chrono::steady_clock::now() < deadline && runNext(std::nullopt))
+            continue;
+        std::deque<Work> dropped;
+        std::shared_ptr<const Runner> runner;
+        {
+            const MutexLock lock(mutex_);
+            isClosed_ = true;
+            dropped.swap(work_);
+            runner.swap(runner_);
+            ++turn_;
+            drain();
+            while (isBusyElsewhere() && changed_.wait_until(mutex_, deadline) == std::cv_status::no_timeout)
+                continue;
+        }
+        // Both may hold objects of the application, and go without the lock.
+    }
+
+    void open() {
+        const MutexLock lock(mutex_);
+        isClosed_ = false;
     }
 
 private:
-    /// Runs one piece of work at a later turn. While any waits, one such call is on its way.
-    void wake() VELMORA_REQUIRES(mutex_) {
-        QMetaObject::invokeMethod(
-            receiver_.get(), [this] { runNext(); }, Qt::QueuedConnection);
+    /// Hands the turn for one piece over; whatever piece is the next one then is what runs.
+    void hand(const Runner& runner, unsigned turn) {
+        callOut("the function of the main queue",
+                [&] { runner([this, turn] { static_cast<void>(runNext(turn)); }); });
     }
 
-    void runNext() {
-        MainQueue::Work work;
+    /// The function, while it is the one of that turn.
+    [[nodiscard]] std::shared_ptr<const Runner> current(unsigned turn) {
+        const MutexLock lock(mutex_);
+        return turn == turn_ ? runner_ : nullptr;
+    }
+
+    /// Runs one piece, if there is one, and if the turn is still that one; absent means whatever it is.
+    bool runNext(std::optional<unsigned> turn) {
+        Work work;
         {
             const MutexLock lock(mutex_);
-            if (work_.empty()) return;
+            if (work_.empty() || (turn && *turn != turn_)) return false;
             work = std::move(work_.front());
             work_.pop_front();
-            // Before the work and not after it, so that work which runs an event loop of its own does not
-            // hold up the rest; and not earlier, because such a loop sleeps over what was posted before it.
-            if (!work_.empty() && receiver_) wake();
+            last_ = std::this_thread::get_id();
+            running_.push_back(*last_);
         }
-        if (work) callOut("work on the main queue", work);
+        callOut("work on the main queue", work);
+        work = nullptr;
+        const MutexLock lock(mutex_);
+        running_.erase(std::find(running_.begin(), running_.end(), std::this_thread::get_id()));
+        changed_.notify_all();
+        return true;
+    }
+
+    void tellPumpOrThread() VELMORA_REQUIRES(mutex_) {
+        if (isPumped_) return signal();
+        if (!isThreadTold_) {
+            isThreadTold_ = true;
+            log("Callbacks come on a thread of the library's: Velmora::setMainQueue says where else");
+        }
+        thread_.add([this, turn = turn_] { static_cast<void>(runNext(turn)); });
+    }
+
+    void choosePump() VELMORA_REQUIRES(mutex_) {
+        if (isPumped_) return;
+        isPumped_ = true;
+        // What was handed to the thread is for whoever pumps now.
+        if (!runner_) ++turn_;
+    }
+
+    void signal() VELMORA_REQUIRES(mutex_) {
+        constexpr std::uint64_t one = 1;
+        if (descriptor_ >= 0) static_cast<void>(!::write(descriptor_, &one, sizeof one));
+    }
+
+    void drain() VELMORA_REQUIRES(mutex_) {
+        std::uint64_t count = 0;
+        if (descriptor_ >= 0) static_cast<void>(!::read(descriptor_, &count, sizeof count));
+    }
+
+    [[nodiscard]] bool isOfThisThread() {
+        const MutexLock lock(mutex_);
+        return last_ == std::this_thread::get_id();
+    }
+
+    [[nodiscard]] bool isBusyElsewhere() const VELMORA_REQUIRES(mutex_) {
+        return std::any_of(running_.begin(), running_.end(),
+                           [](const auto& thread) { return thread != std::this_thread::get_id(); });
     }
 
     Mutex mutex_;
-    std::deque<MainQueue::Work> work_ VELMORA_GUARDED_BY(mutex_);
-    std::unique_ptr<QObject> receiver_ VELMORA_GUARDED_BY(mutex_);
+    std::condition_variable_any changed_;
+    std::deque<Work> work_ VELMORA_GUARDED_BY(mutex_);
+    std::shared_ptr<const Runner> runner_ VELMORA_GUARDED_BY(mutex_);
+    SerialQueue thread_;
+    int descriptor_ VELMORA_GUARDED_BY(mutex_) = -1;
+    /// Changes with whoever runs the work, so that what the one before was handed does nothing any more.
+    unsigned turn_ VELMORA_GUARDED_BY(mutex_) = 0;
+    bool isPumped_ VELMORA_GUARDED_BY(mutex_) = false;
+    bool isThreadTold_ VELMORA_GUARDED_BY(mutex_) = false;
+    bool isClosed_ VELMORA_GUARDED_BY(mutex_) = false;
+    std::optional<std::thread::id> last_ VELMORA_GUARDED_BY(mutex_);
+    /// One of each piece that runs; work may run an event loop of its own, and more work in it.
+    std::vector<std::thread::id> running_ VELMORA_GUARDED_BY(mutex_);
 };
-
-void attachToApplication() {
-    Waiting::instance().attach();
-    qAddPostRoutine([] { Waiting::instance().detach(); });
-}
-
-// Runs with every application object that is made, at once if there is one when the library is loaded.
-Q_COREAPP_STARTUP_FUNCTION(attachToApplication)
 
 }  // namespace
 
 void MainQueue::async(Work work) { Waiting::instance().add(std::move(work)); }
 
 void MainQueue::after(std::chrono::milliseconds delay, Work work) {
-    Clock::current()->after(delay, std::move(work));
+    if (!work) return;
+    Clock::current()->after(delay, [work = std::move(work)] { async(work); });
 }
+
+void MainQueue::setRunner(Runner runner) { Waiting::instance().setRunner(std::move(runner)); }
+
+std::size_t MainQueue::runWaiting() { return Waiting::instance().runWaiting(); }
+
+int MainQueue::waitingDescriptor() { return Waiting::instance().waitingDescriptor(); }
+
+void MainQueue::close(std::chrono::steady_clock::time_point deadline) { Waiting::instance().close(deadline); }
+
+void MainQueue::open() { Waiting::instance().open(); }
 
 }  // namespace velmora::platform

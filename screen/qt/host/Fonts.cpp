@@ -8,7 +8,7 @@
 #include <QFontDatabase>
 #include <QGuiApplication>
 
-namespace velmora::platform {
+namespace velmora::screen {
 
 namespace {
 
@@ -36,4 +36,4 @@ std::optional<QFont> Fonts::fontWithName(std::string_view family, double size) {
     return font;
 }
 
-}  // namespace velmora::platform
+}  // namespace velmora::screen

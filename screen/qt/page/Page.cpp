@@ -1,8 +1,8 @@
 #include "screen/Page.h"
 
-#include "platform/Application.h"
 #include "platform/Immortal.h"
 #include "platform/Log.h"
+#include "screen/Application.h"
 #include "screen/qt/webpage/PageModule.h"
 
 #include <filesystem>
@@ -14,7 +14,7 @@
 #include <QPointer>
 #include <QWidget>
 
-namespace velmora::platform {
+namespace velmora::screen {
 
 namespace {
 
@@ -61,7 +61,7 @@ std::filesystem::path moduleFile() {
 class Module {
 public:
     static Module& instance() {
-        static Immortal<Module> module;
+        static platform::Immortal<Module> module;
         return *module;
     }
 
@@ -89,12 +89,12 @@ private:
 std::unique_ptr<Page> makeEnginePage() {
     auto made = Module::instance().makePage();
     if (made.page) return std::move(made.page);
-    log("No web page can be shown: " + made.whyNot);
+    platform::log("No web page can be shown: " + made.whyNot);
     return std::make_unique<EmptyPage>();
 }
 
 Page::Factory& factory() {
-    static Immortal<Page::Factory> factory;
+    static platform::Immortal<Page::Factory> factory;
     return *factory;
 }
 
@@ -104,4 +104,4 @@ std::unique_ptr<Page> Page::make() { return factory() ? factory()() : makeEngine
 
 void Page::replaceFactory(Factory replacement) { factory() = std::move(replacement); }
 
-}  // namespace velmora::platform
+}  // namespace velmora::screen

@@ -9,7 +9,7 @@
 
 #include <gio/gio.h>
 
-namespace velmora::platform {
+namespace velmora::screen {
 
 namespace {
 
@@ -28,7 +28,7 @@ Database databaseOf(const std::string& file) {
     GError* fault = nullptr;
     Database database(g_tls_file_database_new(path.c_str(), &fault));
     if (const Fault owned(fault); owned)
-        log("The certificates of " + path + " cannot be read: " + owned->message);
+        platform::log("The certificates of " + path + " cannot be read: " + owned->message);
     return database;
 }
 
@@ -46,4 +46,4 @@ bool trustCertificatesOfEnvironment() {
     return true;
 }
 
-}  // namespace velmora::platform
+}  // namespace velmora::screen

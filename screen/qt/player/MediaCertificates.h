@@ -1,6 +1,6 @@
 #pragma once
 
-namespace velmora::platform {
+namespace velmora::screen {
 
 /// Makes GIO, which videos are loaded through, trust the certificates in the file that `VELMORA_CA_FILE`
 /// names, and no others. Without the variable nothing changes, unless it was set before: then it is the
@@ -9,4 +9,4 @@ namespace velmora::platform {
 /// False, with a log line, when the file cannot be read: then nobody is to be trusted.
 [[nodiscard]] bool trustCertificatesOfEnvironment();
 
-}  // namespace velmora::platform
+}  // namespace velmora::screen

@@ -6,15 +6,15 @@
 
 #include <QString>
 
-namespace velmora::platform {
+namespace velmora::screen {
 
 namespace {
 
 class QtPlayerFactory final : public PlayerFactory {
 public:
     [[nodiscard]] std::shared_ptr<Player> makeWithUrl(const std::string& url) override {
-        return std::make_shared<QtPlayer>(isUrl(url) ? QUrl::fromEncoded(QByteArray::fromStdString(url))
-                                                     : QUrl());
+        return std::make_shared<QtPlayer>(
+            platform::isUrl(url) ? QUrl::fromEncoded(QByteArray::fromStdString(url)) : QUrl());
     }
 
     [[nodiscard]] std::shared_ptr<Player> makeWithFile(const std::filesystem::path& file) override {
@@ -23,7 +23,7 @@ public:
 };
 
 std::shared_ptr<PlayerFactory>& factory() {
-    static Immortal<std::shared_ptr<PlayerFactory>> instance(std::make_shared<QtPlayerFactory>());
+    static platform::Immortal<std::shared_ptr<PlayerFactory>> instance(std::make_shared<QtPlayerFactory>());
     return *instance;
 }
 
@@ -39,4 +39,4 @@ void Player::setFactory(std::shared_ptr<PlayerFactory> other) {
     factory() = other ? std::move(other) : std::make_shared<QtPlayerFactory>();
 }
 
-}  // namespace velmora::platform
+}  // namespace velmora::screen

@@ -1,6 +1,6 @@
 #include "screen/qt/player/QtPlayer.h"
 
-#include "platform/MainQueue.h"
+#include "screen/Queue.h"
 #include "screen/qt/player/MediaCertificates.h"
 #include "screen/qt/player/VideoView.h"
 
@@ -9,7 +9,7 @@
 #include <limits>
 #include <utility>
 
-namespace velmora::platform {
+namespace velmora::screen {
 
 namespace {
 
@@ -151,7 +151,7 @@ void QtPlayer::seek(double seconds, SeekCompletion completion) {
         if (std::exchange(hasEnded_, false)) player_.pause();
         player_.setPosition(std::llround(seconds * 1000));
     }
-    MainQueue::async(
+    Queue::async(
         [this, weak = std::weak_ptr(self), number, isReady, seconds, completion = std::move(completion)] {
             const auto player = weak.lock();
             if (player && isReady && number == seeks_) tellJump(seconds);
@@ -205,4 +205,4 @@ void QtPlayer::watch() {
     if (++idleWatches_ > kWatchesOfPatience) fail();
 }
 
-}  // namespace velmora::platform
+}  // namespace velmora::screen

@@ -12,7 +12,7 @@
 #include <QUrl>
 #include <QVideoSink>
 
-namespace velmora::platform {
+namespace velmora::screen {
 
 /// Qt's media player. What it says is taken up at a later turn of the event loop, so that an observer may
 /// release this one at any time.
@@ -67,4 +67,4 @@ private:
     QObject receiver_;
 };
 
-}  // namespace velmora::platform
+}  // namespace velmora::screen

@@ -8,7 +8,7 @@
 
 #include <QTransform>
 
-namespace velmora::platform {
+namespace velmora::screen {
 
 namespace {
 
@@ -173,4 +173,4 @@ void drawFrame(const QVideoFrame& frame, QImage& picture) {
         picture = picture.transformed(QTransform().rotate(angle));
 }
 
-}  // namespace velmora::platform
+}  // namespace velmora::screen

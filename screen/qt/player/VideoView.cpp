@@ -8,7 +8,7 @@
 #include <QRegion>
 #include <QtMath>
 
-namespace velmora::platform {
+namespace velmora::screen {
 
 namespace {
 
@@ -41,4 +41,4 @@ void VideoView::paintEvent(QPaintEvent* /*event*/) {
     painter.drawImage(target, picture_);
 }
 
-}  // namespace velmora::platform
+}  // namespace velmora::screen

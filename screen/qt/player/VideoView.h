@@ -4,7 +4,7 @@
 #include <QVideoFrame>
 #include <QWidget>
 
-namespace velmora::platform {
+namespace velmora::screen {
 
 /// Shows frames in their own shape on black; before the first one it shows nothing. A frame is converted only
 /// when it is painted.
@@ -23,4 +23,4 @@ private:
     QImage picture_;
 };
 
-}  // namespace velmora::platform
+}  // namespace velmora::screen

@@ -2,7 +2,7 @@
 
 #include <QWidget>
 
-namespace velmora::platform {
+namespace velmora::screen {
 
 NavigationController::NavigationController(const std::shared_ptr<ViewController>& root) {
     addChildViewController(root);
@@ -62,4 +62,4 @@ void TabBarController::viewDidLayoutSubviews() {
     if (const auto selected = selectedViewController()) selected->view()->setGeometry(view()->rect());
 }
 
-}  // namespace velmora::platform
+}  // namespace velmora::screen

@@ -1,11 +1,11 @@
 #include "screen/qt/presentation/Presentation.h"
 
-#include "platform/Application.h"
 #include "platform/CallOut.h"
 #include "platform/Clock.h"
 #include "platform/Immortal.h"
 #include "platform/Log.h"
-#include "platform/MainQueue.h"
+#include "screen/Application.h"
+#include "screen/Queue.h"
 #include "screen/qt/presentation/RootControllers.h"
 
 #include <algorithm>
@@ -19,7 +19,7 @@
 #include <QWidget>
 #include <QWindow>
 
-namespace velmora::platform {
+namespace velmora::screen {
 
 namespace {
 
@@ -83,7 +83,7 @@ Presentation::Presentation() = default;
 Presentation::~Presentation() = default;
 
 Presentation& Presentation::instance() {
-    static Immortal<Presentation> instance;
+    static platform::Immortal<Presentation> instance;
     return *instance;
 }
 
@@ -124,10 +124,10 @@ void Presentation::presentNow(const std::weak_ptr<ViewController>& from, const C
     const auto presenter = from.lock();
     if (!presenter || !controller || indexOf(*controller)) return;
     if (!Application::hasScreen())
-        return log("Nothing can be presented: the application has no QApplication");
-    if (isOrHolds(*controller, presenter)) return log("A controller cannot present itself");
+        return platform::log("Nothing can be presented: the application has no QApplication");
+    if (isOrHolds(*controller, presenter)) return platform::log("A controller cannot present itself");
     if (!isOnScreen(presenter))
-        return log("Nothing is presented from a controller that is not on the screen");
+        return platform::log("Nothing is presented from a controller that is not on the screen");
 
     if (!window_) openWindow();
     // Above all that is there, and yet the presenter's own: it stays when what lies under it goes.
@@ -240,7 +240,7 @@ void Presentation::abandon() {
     for (const auto& entry : held) {
         if (entry.controller->isViewLoaded()) entry.controller->view()->setParent(nullptr);
     }
-    MainQueue::async([] { static_cast<void>(std::exchange(instance().remains_, {})); });
+    Queue::async([] { static_cast<void>(std::exchange(instance().remains_, {})); });
 }
 
 void Presentation::leave() {
@@ -265,13 +265,13 @@ void Presentation::layOut() {
 }
 
 void Presentation::begin(Motion motion) {
-    motion.start = Clock::current()->now();
+    motion.start = platform::Clock::current()->now();
     motion_ = std::move(motion);
     const auto next = [generation = ++generation_] { instance().stepIfStill(generation); };
     if (motion_->animated)
-        MainQueue::after(kStep, next);
+        Queue::after(kStep, next);
     else
-        MainQueue::async(next);
+        Queue::async(next);
 }
 
 void Presentation::stepIfStill(unsigned generation) {
@@ -279,13 +279,13 @@ void Presentation::stepIfStill(unsigned generation) {
 }
 
 void Presentation::step() {
-    const auto passed = Clock::current()->now() - motion_->start;
+    const auto passed = platform::Clock::current()->now() - motion_->start;
     const auto part = std::chrono::duration<double>(passed) / kDuration;
     // Before its start is when somebody has set the clock back.
     if (!motion_->animated || part < 0.0 || part >= 1.0) return end();
     const double shown = motion_->up ? eased(part) : 1.0 - eased(part);
     place(shown);
-    MainQueue::after(kStep, [generation = generation_] { instance().stepIfStill(generation); });
+    Queue::after(kStep, [generation = generation_] { instance().stepIfStill(generation); });
 }
 
 void Presentation::place(double shown) {
@@ -305,8 +305,9 @@ void Presentation::end() {
         appears = takeAway(motion.moving);
     }
     if (stack_.empty()) window_.reset();
-    if (appears) callOut("a view controller", [&] { appears->viewDidAppear(motion.animated); });
-    if (closed == closed_ && motion.completion) callOut("a presentation's completion", motion.completion);
+    if (appears) platform::callOut("a view controller", [&] { appears->viewDidAppear(motion.animated); });
+    if (closed == closed_ && motion.completion)
+        platform::callOut("a presentation's completion", motion.completion);
     while (!motion.moving.empty()) motion.moving.pop_back();
     runWaiting();
 }
@@ -321,4 +322,4 @@ Presentation::Controller Presentation::takeAway(const std::vector<Controller>& g
     return !stack_.empty() && stack_.back().controller != top ? stack_.back().controller : nullptr;
 }
 
-}  // namespace velmora::platform
+}  // namespace velmora::screen

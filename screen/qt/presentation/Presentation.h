@@ -11,7 +11,7 @@
 
 class QWidget;
 
-namespace velmora::platform {
+namespace velmora::screen {
 
 /// The window over the whole screen and the controllers in it, from the bottom to the top. What is asked for
 /// while something moves waits for its end. Main thread only.
@@ -112,4 +112,4 @@ private:
     std::vector<Remains> remains_;
 };
 
-}  // namespace velmora::platform
+}  // namespace velmora::screen

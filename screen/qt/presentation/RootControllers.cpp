@@ -1,7 +1,7 @@
 #include "screen/qt/presentation/RootControllers.h"
 
-#include "platform/Application.h"
 #include "platform/Immortal.h"
+#include "screen/Application.h"
 #include "screen/qt/presentation/Presentation.h"
 
 #include <utility>
@@ -10,7 +10,7 @@
 #include <QPointer>
 #include <QWidget>
 
-namespace velmora::platform {
+namespace velmora::screen {
 
 namespace {
 
@@ -31,7 +31,7 @@ public:
 };
 
 RootControllers& RootControllers::instance() {
-    static Immortal<RootControllers> instance;
+    static platform::Immortal<RootControllers> instance;
     return *instance;
 }
 
@@ -71,4 +71,4 @@ QWidget* RootControllers::window() const {
     return nullptr;
 }
 
-}  // namespace velmora::platform
+}  // namespace velmora::screen

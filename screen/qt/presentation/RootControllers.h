@@ -7,7 +7,7 @@
 
 class QWidget;
 
-namespace velmora::platform {
+namespace velmora::screen {
 
 /// The controllers of the application's own windows, one for each, and the one that was set in their place.
 /// Main thread only.
@@ -37,4 +37,4 @@ private:
     std::weak_ptr<WindowController> last_;
 };
 
-}  // namespace velmora::platform
+}  // namespace velmora::screen

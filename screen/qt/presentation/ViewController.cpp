@@ -11,7 +11,7 @@
 #include <QHideEvent>
 #include <QWidget>
 
-namespace velmora::platform {
+namespace velmora::screen {
 
 struct ViewController::State {
     /// Tells its controller of its size.
@@ -33,7 +33,7 @@ struct ViewController::State {
 
         void layOut() {
             isLaidOut_ = true;
-            callOut("a view controller", [&] { controller_.viewDidLayoutSubviews(); });
+            platform::callOut("a view controller", [&] { controller_.viewDidLayoutSubviews(); });
         }
 
         ViewController& controller_;
@@ -62,14 +62,14 @@ ViewController::~ViewController() {
         return;
     }
     // Its application took its window, and Qt deletes no widget any more.
-    static Immortal<std::vector<std::unique_ptr<QWidget>>> left;
+    static platform::Immortal<std::vector<std::unique_ptr<QWidget>>> left;
     left->push_back(std::move(view));
 }
 
 QWidget* ViewController::view() {
     if (!state_->view) {
         state_->view = std::make_unique<State::View>(*this);
-        callOut("a view controller", [this] { viewDidLoad(); });
+        platform::callOut("a view controller", [this] { viewDidLoad(); });
     }
     return state_->view.get();
 }
@@ -140,4 +140,4 @@ const std::vector<std::shared_ptr<ViewController>>& ViewController::childViewCon
     return state_->children;
 }
 
-}  // namespace velmora::platform
+}  // namespace velmora::screen

@@ -90,7 +90,7 @@ void EnginePage::loadLater(const QUrl& url) {
         Qt::QueuedConnection);
 }
 
-void EnginePage::setDelegate(std::weak_ptr<platform::PageDelegate> delegate) {
+void EnginePage::setDelegate(std::weak_ptr<screen::PageDelegate> delegate) {
     delegate_ = std::move(delegate);
 }
 

@@ -15,7 +15,7 @@ public:
     EnginePage(QWebEngineProfile& profile, QObject* parent);
 
     void begin(const std::string& url);
-    void setDelegate(std::weak_ptr<platform::PageDelegate> delegate);
+    void setDelegate(std::weak_ptr<screen::PageDelegate> delegate);
     /// Nothing is loaded and nobody is told any more.
     void close();
 
@@ -36,7 +36,7 @@ private:
     void openHere(const QWebEngineNewWindowRequest& window);
     void loadLater(const QUrl& url);
 
-    std::weak_ptr<platform::PageDelegate> delegate_;
+    std::weak_ptr<screen::PageDelegate> delegate_;
     bool closed_ = false;
     bool isAsking_ = false;
     const QString mark_;

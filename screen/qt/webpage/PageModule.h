@@ -7,7 +7,7 @@
 
 #include <QtPlugin>
 
-namespace velmora::platform {
+namespace velmora::screen {
 
 /// What the library knows of the module that brings the browser engine. Nothing here needs a symbol of the
 /// library, so that the module is linked without it.
@@ -24,9 +24,9 @@ public:
     [[nodiscard]] virtual Made makePage() = 0;
 };
 
-}  // namespace velmora::platform
+}  // namespace velmora::screen
 
 /// Changes with every change of the classes that cross this border.
 #define VELMORA_PAGE_MODULE "velmora.PageModule/1"
 
-Q_DECLARE_INTERFACE(velmora::platform::PageModule, VELMORA_PAGE_MODULE)
+Q_DECLARE_INTERFACE(velmora::screen::PageModule, VELMORA_PAGE_MODULE)

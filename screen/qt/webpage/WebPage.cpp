@@ -33,7 +33,7 @@ void WebPage::load(const std::string& url) {
     Engine::goFirst();
 }
 
-void WebPage::setDelegate(std::weak_ptr<platform::PageDelegate> delegate) {
+void WebPage::setDelegate(std::weak_ptr<screen::PageDelegate> delegate) {
     if (page_) page_->setDelegate(std::move(delegate));
 }
 

@@ -11,7 +11,7 @@ namespace velmora::webpage {
 class EnginePage;
 
 /// A page of Qt WebEngine.
-class WebPage final : public platform::Page {
+class WebPage final : public screen::Page {
 public:
     WebPage();
     ~WebPage() override;
@@ -20,7 +20,7 @@ public:
 
     [[nodiscard]] QWidget* widget() override;
     void load(const std::string& url) override;
-    void setDelegate(std::weak_ptr<platform::PageDelegate> delegate) override;
+    void setDelegate(std::weak_ptr<screen::PageDelegate> delegate) override;
 
 private:
     /// Null once the application object has gone.

@@ -5,7 +5,7 @@
 
 namespace velmora::webpage {
 
-platform::PageModule::Made WebPageModule::makePage() {
+screen::PageModule::Made WebPageModule::makePage() {
     if (auto reason = whyTheEngineCannotStart()) return {nullptr, std::move(*reason)};
     return {std::make_unique<WebPage>(), {}};
 }

@@ -7,10 +7,10 @@
 namespace velmora::webpage {
 
 /// What the plugin loader makes: pages of Qt WebEngine.
-class WebPageModule final : public QObject, public platform::PageModule {
+class WebPageModule final : public QObject, public screen::PageModule {
     Q_OBJECT
     Q_PLUGIN_METADATA(IID VELMORA_PAGE_MODULE)
-    Q_INTERFACES(velmora::platform::PageModule)
+    Q_INTERFACES(velmora::screen::PageModule)
 
 public:
     [[nodiscard]] Made makePage() override;

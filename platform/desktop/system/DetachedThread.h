@@ -16,7 +16,7 @@ template <class Work>
         std::thread(std::forward<Work>(work)).detach();
         return true;
     } catch (const std::system_error& error) {
-        log(std::string("A thread for the network cannot be started: ") + error.what());
+        log(std::string("A thread cannot be started: ") + error.what());
         return false;
     }
 }

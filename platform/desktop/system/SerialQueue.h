@@ -12,16 +12,16 @@
 namespace velmora::platform {
 
 /// Runs work one piece at a time, in the order in which it was given, on a thread of its own.
-class DelegateQueue {
+class SerialQueue {
 public:
     using Work = std::function<void()>;
     using Deadline = std::chrono::steady_clock::time_point;
 
     /// Lives as long as the process; its thread starts with the first work.
-    DelegateQueue() = default;
-    ~DelegateQueue() = default;
-    DelegateQueue(const DelegateQueue&) = delete;
-    DelegateQueue& operator=(const DelegateQueue&) = delete;
+    SerialQueue() = default;
+    ~SerialQueue() = default;
+    SerialQueue(const SerialQueue&) = delete;
+    SerialQueue& operator=(const SerialQueue&) = delete;
 
     /// Any thread. What the work throws is logged. Where the machine has no thread left to start, the work
     /// runs on the calling thread.

@@ -1,13 +1,13 @@
-#include "platform/desktop/http/DelegateQueue.h"
+#include "platform/desktop/system/SerialQueue.h"
 
 #include "platform/CallOut.h"
-#include "platform/desktop/http/DetachedThread.h"
+#include "platform/desktop/system/DetachedThread.h"
 
 #include <utility>
 
 namespace velmora::platform {
 
-void DelegateQueue::add(Work work) {
+void SerialQueue::add(Work work) {
     {
         const MutexLock lock(mutex_);
         waiting_.push_back(std::move(work));
@@ -18,7 +18,7 @@ void DelegateQueue::add(Work work) {
     changed_.notify_all();
 }
 
-void DelegateQueue::leave(Deadline deadline) {
+void SerialQueue::leave(Deadline deadline) {
     const MutexLock lock(mutex_);
     leaving_ = true;
     const auto isBusy = [this]() VELMORA_REQUIRES(mutex_) {
@@ -27,12 +27,12 @@ void DelegateQueue::leave(Deadline deadline) {
     while (isBusy() && changed_.wait_until(mutex_, deadline) == std::cv_status::no_timeout) continue;
 }
 
-bool DelegateQueue::startThread() {
+bool SerialQueue::startThread() {
     if (!hasThread_) hasThread_ = startDetachedThread([this] { run(); });
     return hasThread_;
 }
 
-void DelegateQueue::run() {
+void SerialQueue::run() {
     const MutexLock lock(mutex_);
     // It never ends: what other libraries keep for the thread may be half gone by the time that it could.
     for (;;) {
@@ -41,7 +41,7 @@ void DelegateQueue::run() {
     }
 }
 
-void DelegateQueue::runWaiting() {
+void SerialQueue::runWaiting() {
     if (running_) return;
     running_ = std::this_thread::get_id();
     while (!waiting_.empty() && !leaving_) {

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <memory>
+
+namespace velmora {
+
+class VLAdShowOptions;
+class VLAdSuggestion;
+class VelmoraAd;
+
+/// What begins the show of an ad. What shows says what that is, so that the library has none of it in itself.
+class ShowStart {
+public:
+    /// Begins on a thread of its own and returns before that. `suggestion` is that of the handle, null where
+    /// it has none.
+    using Function = void (*)(const std::shared_ptr<VelmoraAd>& ad,
+                              const std::shared_ptr<VLAdSuggestion>& suggestion,
+                              const std::shared_ptr<VLAdShowOptions>& options);
+
+    ShowStart() = delete;
+
+    static void set(Function function) noexcept;
+
+    /// Null where nothing can show.
+    [[nodiscard]] static Function get() noexcept;
+};
+
+}  // namespace velmora
