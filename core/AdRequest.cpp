@@ -1,5 +1,6 @@
 #include "core/AdRequest.h"
 
+#include "core/RequestCallbacks.h"
 #include "core/VelmoraManager.h"
 #include "device/VLUserExtraInfoModel.h"
 #include "log/LogFormat.h"
@@ -12,7 +13,6 @@
 #include "net/VLDirectAdSuggestionRequestJsonParams.h"
 #include "net/VLInternetCacher.h"
 #include "net/VLWebServices.h"
-#include "platform/CallOut.h"
 #include "platform/Clock.h"
 #include "platform/MainQueue.h"
 #include "platform/UserDefaults.h"
@@ -41,7 +41,7 @@ std::shared_ptr<VLFinalStatesModel> finalStatesOf(const VLSuggestionListDirectRe
 }  // namespace
 
 AdRequest::AdRequest(std::optional<std::string> zone, std::shared_ptr<VLAdRequestOptions> options,
-                     Callbacks callbacks)
+                     std::shared_ptr<RequestCallbacks> callbacks)
     : zone_(std::move(zone)), options_(std::move(options)), callbacks_(std::move(callbacks)) {}
 
 void AdRequest::send() {
@@ -54,21 +54,23 @@ void AdRequest::send() {
 }
 
 void AdRequest::onAnswer(const std::shared_ptr<VLSuggestionListDirectResponseModel>& answer) {
+    // Nobody waits for it any more, and what the store holds is for the next one.
+    if (callbacks_->isDropped()) return;
     remember(*answer);
     if (platform::asBool(answer->selectDirectAdRandomly)) answer->shuffleSuggestions();
     const auto suggestion = VelmoraManager::getMostSuitableAdInSuggestionList(answer);
     if (!suggestion) {
         VLLog("Suitable ad not found :(");
-        return callOnNoAdAvailable();
+        return callbacks_->noAdIsAvailable();
     }
     VLLog("Suitable ad found");
     suggestion->reportAdIsFilled();
-    if (!suggestion->creative || !suggestion->creative->ctaType) return callOnNoAdAvailable();
+    if (!suggestion->creative || !suggestion->creative->ctaType) return callbacks_->noAdIsAvailable();
 
     const auto cacheType = options_->getCacheTypeNumber();
     if (cacheType == VLCacheType::cached) return offerDownloaded(suggestion);
     if (cacheType == VLCacheType::streamed) return offerStreamed(suggestion);
-    callOnError("Unsupported cache type.");
+    callbacks_->failed("Unsupported cache type.");
 }
 
 void AdRequest::remember(const VLSuggestionListDirectResponseModel& answer) {
@@ -84,7 +86,7 @@ void AdRequest::remember(const VLSuggestionListDirectResponseModel& answer) {
 
 void AdRequest::onFailure(const VLClientError& error) const {
     const auto domain = error.error ? std::optional(error.error->domain) : std::nullopt;
-    callOnError(
+    callbacks_->failed(
         formatLogLine("Error fetching data from server, code:%li ,error:%@", {error.responseCode(), domain}));
 }
 
@@ -92,7 +94,7 @@ void AdRequest::offerStreamed(const Suggestion& suggestion) const {
     VLLog("Streamed no need to download");
     const auto ad = makeAd(suggestion, std::nullopt);
     VLDefaults::cacheNewAd(ad);
-    callOnAdAvailable(ad);
+    callbacks_->adIsAvailable(ad);
     armExpiry(ad, suggestion);
 }
 
@@ -114,9 +116,10 @@ void AdRequest::offerDownloaded(const Suggestion& suggestion) {
 
 void AdRequest::offerAfterDownload(const Suggestion& suggestion,
                                    const std::optional<std::string>& videoFilePath) const {
+    if (callbacks_->isDropped()) return;
     const auto ad = makeAd(suggestion, videoFilePath);
     // The other order than that of a streamed ad: applications rely on both.
-    callOnAdAvailable(ad);
+    callbacks_->adIsAvailable(ad);
     VLDefaults::cacheNewAd(ad);
     armExpiry(ad, suggestion);
 }
@@ -138,21 +141,7 @@ void AdRequest::armExpiry(const std::shared_ptr<VelmoraAd>& ad, const Suggestion
     if (!platform::isValid(time ? &*time : nullptr)) return;
     const auto delay = std::chrono::milliseconds(platform::asInteger(time));
     // Hours may pass: of the request no more is kept than this one callback.
-    platform::MainQueue::after(delay, [onExpiring = callbacks_.onExpiring, ad] {
-        platform::callOut("onExpiring", [&] { onExpiring(ad); });
-    });
-}
-
-void AdRequest::callOnAdAvailable(const std::shared_ptr<VelmoraAd>& ad) const {
-    platform::callOut("onAdAvailable", [&] { callbacks_.onAdAvailable(ad); });
-}
-
-void AdRequest::callOnNoAdAvailable() const {
-    platform::callOut("onNoAdAvailable", [&] { callbacks_.onNoAdAvailable(); });
-}
-
-void AdRequest::callOnError(const std::string& message) const {
-    platform::callOut("onError", [&] { callbacks_.onError(message); });
+    platform::MainQueue::after(delay, [callbacks = callbacks_, ad] { callbacks->adExpires(ad); });
 }
 
 }  // namespace velmora

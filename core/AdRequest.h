@@ -8,6 +8,7 @@
 
 namespace velmora {
 
+class RequestCallbacks;
 class VLAdSuggestion;
 class VLClientError;
 class VLSuggestionListDirectResponseModel;
@@ -16,16 +17,8 @@ class VLSuggestionListDirectResponseModel;
 /// service or the download that holds it.
 class AdRequest : public std::enable_shared_from_this<AdRequest> {
 public:
-    /// All four, each non-empty.
-    struct Callbacks {
-        OnAdAvailable onAdAvailable;
-        OnNoAdAvailable onNoAdAvailable;
-        OnError onError;
-        OnExpiring onExpiring;
-    };
-
     AdRequest(std::optional<std::string> zone, std::shared_ptr<VLAdRequestOptions> options,
-              Callbacks callbacks);
+              std::shared_ptr<RequestCallbacks> callbacks);
 
     /// Asks the service. Returns at once; what follows runs where the answer or the download arrives, and the
     /// expiry notice on the main queue.
@@ -49,13 +42,9 @@ private:
                                                     const std::optional<std::string>& videoFilePath) const;
     void armExpiry(const std::shared_ptr<VelmoraAd>& ad, const Suggestion& suggestion) const;
 
-    void callOnAdAvailable(const std::shared_ptr<VelmoraAd>& ad) const;
-    void callOnNoAdAvailable() const;
-    void callOnError(const std::string& message) const;
-
     const std::optional<std::string> zone_;
     const std::shared_ptr<VLAdRequestOptions> options_;
-    const Callbacks callbacks_;
+    const std::shared_ptr<RequestCallbacks> callbacks_;
 };
 
 }  // namespace velmora

@@ -1,16 +1,24 @@
 #include <velmora/velmora.h>
 
+#include "core/ApplicationCalls.h"
+#include "core/RequestCallbacks.h"
 #include "core/VelmoraManager.h"
 #include "log/VLLog.h"
 #include "platform/CallOut.h"
 #include "platform/MainQueue.h"
 #include "platform/OneWait.h"
+#include "platform/UrlSession.h"
 #include "platform/UserDefaults.h"
+
 #include "store/VLDefaults.h"
+#include <chrono>
+#include <utility>
 
 namespace velmora {
 
 namespace {
+
+constexpr std::chrono::seconds kPatienceAtShutDown{1};
 
 /// The first callback that is missing, as the log names it; null when all are there.
 const char* missingCallback(const OnAdAvailable& onAdAvailable, const OnNoAdAvailable& onNoAdAvailable,
@@ -50,6 +58,8 @@ void Velmora::initializeWithAppKey(const std::optional<std::string>& key,
                                    const std::shared_ptr<VLConfiguration>& andConfig) {
     const platform::OneWait wait;
     if (!key) return VLLog("AppKey passed for initialization is null");
+    ApplicationCalls::open();
+    platform::MainQueue::open();
 
     const auto configuration = andConfig ? andConfig : defaultConfiguration();
     // Read once: another thread may be filling it in.
@@ -79,6 +89,7 @@ void Velmora::requestAdForZone(const std::optional<std::string>& zone,
                                const OnAdAvailable& onAdAvailable, const OnNoAdAvailable& onNoAdAvailable,
                                const OnError& onError, const OnExpiring& onExpiring) {
     const platform::OneWait wait;
+    if (!ApplicationCalls::areOpen()) return VLLog("The library is shut down: no ad is requested");
     const auto options = andOptions ? andOptions : defaultOptions();
     if (const char* missing = missingCallback(onAdAvailable, onNoAdAvailable, onError, onExpiring)) {
         return VLLog(missing);
@@ -90,7 +101,7 @@ void Velmora::requestAdForZone(const std::optional<std::string>& zone,
     }
     if (const auto ad = VelmoraManager::getValidCachedAdForZone(wanted)) {
         VLLog("Ad is already fetched and valid, returning to callback...");
-        return platform::callOut("onAdAvailable", [&] { onAdAvailable(ad); });
+        return ApplicationCalls::run("onAdAvailable", [&] { onAdAvailable(ad); });
     }
     VLLog("Ad is not fetched, fetching new ad...");
     // What the application's callbacks throw while they are copied is theirs, and stays here.
@@ -112,6 +123,16 @@ void Velmora::setMainQueue(MainQueueFunction function) {
 std::size_t Velmora::runWaiting() { return platform::MainQueue::runWaiting(); }
 
 int Velmora::waitingDescriptor() { return platform::MainQueue::waitingDescriptor(); }
+
+void Velmora::shutDown() {
+    const auto deadline = std::chrono::steady_clock::now() + kPatienceAtShutDown;
+    // What waits for the main thread is told while there may still be calls, by whoever is that thread.
+    platform::MainQueue::close();
+    ApplicationCalls::close(deadline);
+    RequestCallbacks::dropAll();
+    VelmoraManager::setAdShowFinishedCallback({});
+    platform::UrlSession::shared().cancelAll();
+}
 
 std::string Velmora::getVersion() { return VelmoraManager::sdkVersion(); }
 

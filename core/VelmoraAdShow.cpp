@@ -1,5 +1,6 @@
 // The half of the handle that shows.
 
+#include "core/ApplicationCalls.h"
 #include "core/ShowStart.h"
 #include "log/VLLog.h"
 #include "model/VLAdSuggestion.h"
@@ -11,6 +12,7 @@
 namespace velmora {
 
 void VelmoraAd::showWithOptions(const std::shared_ptr<VLAdShowOptions>& options) {
+    if (!ApplicationCalls::areOpen()) return VLLog("The library is shut down: no ad is shown");
     if (!isValid()) return VLLog("Ad is Expired/Invalid");
     const auto ad = state_->mAd.get();
     if (ad && (!ad->creative || !ad->creative->isSupported()))

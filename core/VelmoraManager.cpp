@@ -1,8 +1,9 @@
 #include "core/VelmoraManager.h"
 
 #include "core/AdRequest.h"
+#include "core/ApplicationCalls.h"
+#include "core/RequestCallbacks.h"
 #include "model/VLSuggestionListDirectResponseModel.h"
-#include "platform/CallOut.h"
 #include "platform/Immortal.h"
 #include "platform/MainQueue.h"
 #include "platform/Mutex.h"
@@ -37,12 +38,14 @@ void VelmoraManager::setAdShowFinishedCallback(OnAdShowFinished next) {
 
 void VelmoraManager::onAdShowFinished(const std::shared_ptr<VelmoraAd>& ad, bool completed) {
     platform::MainQueue::async([ad, completed] {
-        std::shared_ptr<const OnAdShowFinished> function;
-        {
-            const platform::MutexLock lock(callback().mutex);
-            function = callback().onAdShowFinished;
-        }
-        if (function) platform::callOut("the ad-show-finished callback", [&] { (*function)(ad, completed); });
+        ApplicationCalls::run("the ad-show-finished callback", [&] {
+            std::shared_ptr<const OnAdShowFinished> function;
+            {
+                const platform::MutexLock lock(callback().mutex);
+                function = callback().onAdShowFinished;
+            }
+            if (function) (*function)(ad, completed);
+        });
     });
 }
 
@@ -68,7 +71,8 @@ void VelmoraManager::requestAdForZone(const std::optional<std::string>& zone,
                                       const OnAdAvailable& onAdAvailable,
                                       const OnNoAdAvailable& onNoAdAvailable, const OnError& onError,
                                       const OnExpiring& onExpiring) {
-    const AdRequest::Callbacks callbacks{onAdAvailable, onNoAdAvailable, onError, onExpiring};
+    const auto callbacks = std::make_shared<RequestCallbacks>(
+        RequestCallbacks::Functions{onAdAvailable, onNoAdAvailable, onError, onExpiring});
     std::make_shared<AdRequest>(zone, andOptions, callbacks)->send();
 }
 

@@ -26,6 +26,8 @@ struct VLCall {
     std::optional<std::string> body = {};
     /// Whether the library's own headers go along, as they are when it is sent.
     bool includeCustomHeaders = false;
+    /// Nobody waits for its answer: it goes on when the library is shut down.
+    bool isReport = false;
     /// The class of the result; text when it is empty.
     VLReceive receive = {};
     /// Without it, `failure` is called in its place.

@@ -80,6 +80,7 @@ std::shared_ptr<VLDataTask> send(const VLCall& call, const VLClientFailure& fail
     const auto headers =
         call.includeCustomHeaders ? std::optional(VLRequestHeaders::getHeaders()) : std::nullopt;
     auto request = VLClient::requestWithURL(urlOf(call), method, data, headers);
+    request.isReport = call.isReport;
     request.requiresSecureTransport = call.url.starts_with(VLWebServices::siteRootUrl() + "/");
 
     auto task = std::make_shared<VLDataTask>(platform::UrlSession::shared().dataTask(

@@ -120,7 +120,7 @@ void VLWebServices::sendCrashReportWithBody(const std::shared_ptr<VLSerializedMo
 
 void VLWebServices::callUrl(const std::string& url, const VLSuccess<std::optional<std::string>>& success,
                             const VLFailure& failure) {
-    callWebServiceOfMethod({.url = url, .success = asText(success), .failure = failure});
+    callWebServiceOfMethod({.url = url, .isReport = true, .success = asText(success), .failure = failure});
 }
 
 void VLWebServices::getCachingStrategyForZoneId(

@@ -38,10 +38,9 @@ public:
     /// line in the log, where the process has no descriptor left.
     [[nodiscard]] static int waitingDescriptor();
 
-    /// Drops what waits and the function, and waits for the piece that runs, unless it is this thread that
-    /// runs it, until `deadline` at most. On the thread that ran work last, what waits runs first. Work that
-    /// is given afterwards is dropped until `open`.
-    static void close(std::chrono::steady_clock::time_point deadline);
+    /// Drops the function and what waits, and what is given afterwards until `open`. On the thread that ran
+    /// work last, what waits runs first. Waits for nothing.
+    static void close();
     static void open();
 };
 

@@ -20,6 +20,8 @@ struct UrlRequest {
     std::optional<std::string> body;
     /// Refuse to send it over http to any host but a loopback one, also where a redirect leads there.
     bool requiresSecureTransport = false;
+    /// Nobody waits for its answer: it goes on when the others are cancelled.
+    bool isReport = false;
 
     /// Replaces the header of that name, or adds it.
     void setHeader(std::string_view name, std::string value);
@@ -112,6 +114,9 @@ public:
     /// and is no error.
     [[nodiscard]] std::shared_ptr<UrlTask> downloadTask(UrlRequest request, std::filesystem::path file,
                                                         Completion completion);
+
+    /// Cancels every exchange but the reports. What is started afterwards goes on.
+    void cancelAll();
 
     /// How long nothing may move. Tests make it short.
     static void setIdleTimeout(std::chrono::milliseconds timeout);

@@ -64,6 +64,21 @@ public:
         initializeWithAppKey(textFrom(key), andConfig);
     }
 
+    /// Ends what the library does for this application, until it is initialised again: requests are
+    /// cancelled, downloads with them, and from its return on no callback is called. Trackers that are on
+    /// their way go on.
+    ///
+    /// Waits for a callback that runs on another thread, a second at most; called from inside a callback it
+    /// does not wait for that one. On the thread where the main queue last ran, what waits there is told
+    /// first; anywhere else it is not told any more. Then every callback that the library holds is destroyed
+    /// before this returns, `setMainQueue`'s function included; one that runs still, by the thread that runs
+    /// it. Requests and shows are dropped until then, with a line of `VLLog` each.
+    ///
+    /// To be called by a plugin before it is closed, by a binding before its interpreter ends. May be called
+    /// any number of times, before an initialisation too. An application that ends need not call it: leaving
+    /// `main` waits likewise, and destroys nothing. The library itself stays in memory.
+    static void shutDown();
+
     /// The stored debug mode; false where nothing was stored.
     [[nodiscard]] static bool isDebugMode();
 

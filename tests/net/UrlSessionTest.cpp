@@ -98,6 +98,33 @@ protected:
     ScriptedServer server_{[](const SeenRequest& request) { return fault(request.target); }};
 };
 
+TEST_F(UrlSessionTest, AllAreCancelledButReportsAndWhatComesAfterwards) {
+    const auto ends = std::make_shared<Await<int>>();
+    const auto start = [&](const std::string& path, bool isReport) {
+        auto request = get(server_.url(path));
+        request.isReport = isReport;
+        UrlSession::shared()
+            .dataTask(
+                request,
+                [ends](const UrlOutcome& outcome) { ends->add(outcome.error ? outcome.error->code : 0); })
+            ->resume();
+    };
+    // More than a host has places for.
+    for (int number = 0; number < 12; ++number) start("/hangs", false);
+    UrlSession::shared().cancelAll();
+    ASSERT_TRUE(ends->count(12));
+    for (int number = 0; number < 7; ++number) start("/hangs", false);
+    start("/drips", true);
+    while (server_.seen().size() < 8) std::this_thread::yield();
+    start("/", true);
+    UrlSession::shared().cancelAll();
+    start("/", false);
+    ASSERT_TRUE(ends->count(22));
+    auto codes = ends->values();
+    EXPECT_THAT(std::vector(codes.begin(), codes.begin() + 19), testing::Each(int{UrlError::cancelled}));
+    EXPECT_THAT(std::vector(codes.begin() + 19, codes.end()), testing::Each(0));
+}
+
 TEST_F(UrlSessionTest, EveryWayAServerCanFailEndsInOneErrorOrOneAnswer) {
     struct Case {
         std::string url;

@@ -56,6 +56,20 @@ void CurlLoop::submit(const Transfer& transfer) {
     if (mustWake) curl_multi_wakeup(multi_);
 }
 
+void CurlLoop::cancelAll() {
+    std::vector<Transfer> submitted;
+    {
+        const MutexLock lock(mutex_);
+        if (!isRunning_) return;
+        mustCancelAll_ = true;
+        submitted = submitted_;
+    }
+    for (const auto& transfer : submitted) {
+        if (!transfer->isReport()) transfer->cancel();
+    }
+    curl_multi_wakeup(multi_);
+}
+
 void CurlLoop::leave() {
     const auto deadline = Clock::now() + kPatienceAtTheEnd;
     leaving_ = true;
@@ -94,10 +108,13 @@ void CurlLoop::run() {
 
 void CurlLoop::handleSubmitted() {
     std::vector<Transfer> submitted;
+    bool mustCancelAll = false;
     {
         const MutexLock lock(mutex_);
         submitted.swap(submitted_);
+        mustCancelAll = std::exchange(mustCancelAll_, false);
     }
+    if (mustCancelAll) cancelAllButReports();
     for (const auto& transfer : submitted) {
         if (transfer->wasCancelled()) {
             cancel(transfer);
@@ -112,6 +129,16 @@ void CurlLoop::cancel(const Transfer& transfer) {
     // One that waits for its host is passed over when its turn comes.
     if (flights_.contains(transfer->handle())) takeOut(transfer->handle());
     transfer->endWithError(UrlError::cancelled);
+}
+
+void CurlLoop::cancelAllButReports() {
+    std::vector<Transfer> transfers;
+    for (const auto& [name, host] : hosts_)
+        transfers.insert(transfers.end(), host.waiting.begin(), host.waiting.end());
+    for (const auto& [handle, flight] : flights_) transfers.push_back(flight.transfer);
+    for (const auto& transfer : transfers) {
+        if (!transfer->isReport()) cancel(transfer);
+    }
 }
 
 void CurlLoop::queueForItsHost(const Transfer& transfer) {

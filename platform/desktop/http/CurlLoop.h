@@ -34,6 +34,9 @@ public:
     /// Where the machine has no thread left to start, the transfer ends in an error.
     void submit(const Transfer& transfer);
 
+    /// Cancels what was submitted until now, the reports excepted. Any thread.
+    void cancelAll();
+
     /// For the end of the process: ends the loop and the queue, and waits for both a second in all. What does
     /// not end in time goes on alone. Nothing is completed any more.
     void leave();
@@ -59,6 +62,7 @@ private:
     void handleSubmitted();
     void queueForItsHost(const Transfer& transfer);
     void cancel(const Transfer& transfer);
+    void cancelAllButReports();
     void startWaiting(const std::string& host);
     [[nodiscard]] bool start(const Transfer& transfer);
     void performTransfers();
@@ -73,6 +77,7 @@ private:
     Mutex mutex_;
     std::condition_variable_any changed_;
     std::vector<Transfer> submitted_ VELMORA_GUARDED_BY(mutex_);
+    bool mustCancelAll_ VELMORA_GUARDED_BY(mutex_) = false;
     bool isRunning_ VELMORA_GUARDED_BY(mutex_) = false;
     std::atomic<bool> leaving_ = false;
 

@@ -51,6 +51,8 @@ public:
 
     [[nodiscard]] bool wasCancelled() const { return state_ == State::canceling; }
 
+    [[nodiscard]] bool isReport() const { return request_.isReport; }
+
     /// When something last moved.
     [[nodiscard]] Clock::time_point lastActivity() const { return lastActivity_; }
 

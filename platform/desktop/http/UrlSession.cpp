@@ -47,6 +47,8 @@ std::shared_ptr<UrlTask> UrlSession::downloadTask(UrlRequest request, std::files
     return std::make_shared<CurlTransfer>(loop(), std::move(request), std::move(file), std::move(completion));
 }
 
+void UrlSession::cancelAll() { loop().cancelAll(); }
+
 void UrlSession::setIdleTimeout(std::chrono::milliseconds timeout) { loop().idleTimeout = timeout; }
 
 }  // namespace velmora::platform

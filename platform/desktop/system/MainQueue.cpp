@@ -6,9 +6,7 @@
 #include "platform/Mutex.h"
 #include "platform/desktop/system/SerialQueue.h"
 
-#include <algorithm>
 #include <cerrno>
-#include <condition_variable>
 #include <cstdint>
 #include <cstring>
 #include <deque>
@@ -16,7 +14,6 @@
 #include <optional>
 #include <thread>
 #include <utility>
-#include <vector>
 
 #include <sys/eventfd.h>
 #include <unistd.h>
@@ -27,7 +24,6 @@ namespace {
 
 using Work = MainQueue::Work;
 using Runner = MainQueue::Runner;
-using Deadline = std::chrono::steady_clock::time_point;
 
 /// The work that waits, and who is told of each piece of it.
 class Waiting {
@@ -103,10 +99,11 @@ public:
         return descriptor_;
     }
 
-    void close(Deadline deadline) {
+    void close() {
         // By the thread that is the main one, as far as is known, what waits is told now.
-        while (isOfThisThread() && std::chrono::steady_clock::now() < deadline && runNext(std::nullopt))
-            continue;
+        if (isOfThisThread()) {
+            while (runNext(std::nullopt)) continue;
+        }
         std::deque<Work> dropped;
         std::shared_ptr<const Runner> runner;
         {
@@ -116,8 +113,6 @@ public:
             runner.swap(runner_);
             ++turn_;
             drain();
-            while (isBusyElsewhere() && changed_.wait_until(mutex_, deadline) == std::cv_status::no_timeout)
-                continue;
         }
         // Both may hold objects of the application, and go without the lock.
     }
@@ -149,13 +144,8 @@ private:
             work = std::move(work_.front());
             work_.pop_front();
             last_ = std::this_thread::get_id();
-            running_.push_back(*last_);
         }
         callOut("work on the main queue", work);
-        work = nullptr;
-        const MutexLock lock(mutex_);
-        running_.erase(std::find(running_.begin(), running_.end(), std::this_thread::get_id()));
-        changed_.notify_all();
         return true;
     }
 
@@ -190,13 +180,7 @@ private:
         return last_ == std::this_thread::get_id();
     }
 
-    [[nodiscard]] bool isBusyElsewhere() const VELMORA_REQUIRES(mutex_) {
-        return std::any_of(running_.begin(), running_.end(),
-                           [](const auto& thread) { return thread != std::this_thread::get_id(); });
-    }
-
     Mutex mutex_;
-    std::condition_variable_any changed_;
     std::deque<Work> work_ VELMORA_GUARDED_BY(mutex_);
     std::shared_ptr<const Runner> runner_ VELMORA_GUARDED_BY(mutex_);
     SerialQueue thread_;
@@ -207,8 +191,6 @@ private:
     bool isThreadTold_ VELMORA_GUARDED_BY(mutex_) = false;
     bool isClosed_ VELMORA_GUARDED_BY(mutex_) = false;
     std::optional<std::thread::id> last_ VELMORA_GUARDED_BY(mutex_);
-    /// One of each piece that runs; work may run an event loop of its own, and more work in it.
-    std::vector<std::thread::id> running_ VELMORA_GUARDED_BY(mutex_);
 };
 
 }  // namespace
@@ -226,7 +208,7 @@ std::size_t MainQueue::runWaiting() { return Waiting::instance().runWaiting(); }
 
 int MainQueue::waitingDescriptor() { return Waiting::instance().waitingDescriptor(); }
 
-void MainQueue::close(std::chrono::steady_clock::time_point deadline) { Waiting::instance().close(deadline); }
+void MainQueue::close() { Waiting::instance().close(); }
 
 void MainQueue::open() { Waiting::instance().open(); }
 
