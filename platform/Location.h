@@ -37,17 +37,17 @@ public:
                                                    const std::vector<Location>& locations) = 0;
 };
 
-/// Where the device is: every change of its position, as exact as there is. A coordinate of exactly 0 degrees
-/// counts as none, for that is how the host tells of one that is missing. The host keeps the last position in
-/// a file of its own in the user's data home. Safe to call from any thread; nothing waits longer than 20 ms.
+/// Where the device is: every change of its position, as exact as there is, from the desktop's location
+/// service (GeoClue 2). What is no place on a map counts as none. Safe to call from any thread; nothing waits
+/// longer than 20 ms.
 class LocationManager : public std::enable_shared_from_this<LocationManager> {
 public:
     /// Whether the desktop's location service (GeoClue 2) is there, and the user lets it give positions. A
     /// service that takes longer to say so counts as one that is not there, until its answer has come.
     [[nodiscard]] static bool locationServicesEnabled();
 
-    /// `denied` for ten minutes after the service has refused a position to this process, or has failed to
-    /// give one, which the host does not tell apart; else `authorized` once it has given one.
+    /// `denied` for ten minutes after the service has refused a position to this process; else `authorized`
+    /// once it has given one.
     [[nodiscard]] static LocationAuthorization authorizationStatus();
 
     /// To be owned by a shared pointer.
@@ -62,12 +62,12 @@ public:
     /// The delegate is not kept alive.
     void setDelegate(const std::weak_ptr<LocationManagerDelegate>& delegate);
 
-    /// Begins to tell the delegate; while it does so already, nothing happens. Without an event loop on the
-    /// main thread it begins when there is one. Asks nobody for permission. What keeps positions from coming
-    /// is no error: none come.
+    /// Begins to tell the delegate, on the main queue; while it does so already, nothing happens. Asks nobody
+    /// for permission. What keeps positions from coming is no error: none come, a line in the log says why,
+    /// and the next call begins anew.
     void startUpdatingLocation();
 
-    /// Called on the main thread, the delegate hears nothing more from here on.
+    /// Called on the main queue, the delegate hears nothing more from here on.
     void stopUpdatingLocation();
 
 private:

@@ -2,7 +2,8 @@
 
 Parameters: "level" is the accuracy that is to be had, 0 where the user turned it off; "location" replaces properties of the
 position; "silent" starts and gives none; "times" is how often the position is told; "error" is the name of the error that
-starting ends in; "late" is how many seconds each answer takes, "until" the file without which there is none.
+starting ends in; "client" is what it answers in the place of its client; "gone" is that it goes as it starts; "late" is how
+many seconds each answer takes, "until" the file without which there is none.
 """
 
 import dbus
@@ -28,12 +29,17 @@ def load(mock, parameters):
     if "until" in parameters:
         wait = f"import os, time\nwhile not os.path.exists({parameters['until']!r}): time.sleep(0.02)\n"
     start = "" if parameters.get("silent") else START * parameters.get("times", 1)
+    if parameters.get("gone"):
+        start = "import os\nos._exit(0)"
     if "error" in parameters:
         start = f"raise dbus.exceptions.DBusException('not now', name={parameters['error']!r})"
     properties = {"AvailableAccuracyLevel": dbus.UInt32(parameters.get("level", 8)), "InUse": False}
     mock.AddProperties(MAIN_IFACE, dbus.Dictionary(properties, signature="sv"))
     for name in ("GetClient", "CreateClient"):
-        mock.AddMethod(MAIN_IFACE, name, "", "o", wait + f"ret = dbus.ObjectPath('{CLIENT}')")
+        if "client" in parameters:
+            mock.AddMethod(MAIN_IFACE, name, "", "s", f"ret = {parameters['client']!r}")
+        else:
+            mock.AddMethod(MAIN_IFACE, name, "", "o", wait + f"ret = dbus.ObjectPath('{CLIENT}')")
     mock.AddMethod(MAIN_IFACE, "DeleteClient", "o", "", "")
     client = {
         "Location": dbus.ObjectPath("/"),

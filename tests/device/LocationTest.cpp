@@ -76,6 +76,13 @@ TEST(LocationManager, WhatWasNotMeasuredIsNotMadeUp) {
     EXPECT_LT(located.listener->heard.front().verticalAccuracy, 0);
 }
 
+TEST(LocationManager, TheEquatorAndTheFirstMeridianAreOnTheMap) {
+    const Located located(R"({"location": {"Latitude": 0.0, "Longitude": 0.0}})");
+    ASSERT_TRUE(located.hears());
+    EXPECT_EQ(located.listener->heard.front().latitude, 0);
+    EXPECT_EQ(located.listener->heard.front().longitude, 0);
+}
+
 TEST(LocationManager, AStoppedOneIsHeardNoMore) {
     const Located located("{}");
     located.manager->stopUpdatingLocation();
@@ -97,6 +104,33 @@ TEST(LocationManager, ARefusalIsRememberedForAWhile) {
     EXPECT_EQ(LocationManager::authorizationStatus(), LocationAuthorization::denied);
     clock->advance(std::chrono::minutes(2));
     EXPECT_EQ(LocationManager::authorizationStatus(), LocationAuthorization::notDetermined);
+}
+
+TEST(LocationManager, AServiceThatFailsOrGoesIsNoRefusalAndIsAskedAnew) {
+    for (const char* parameters : {R"({"error": "org.freedesktop.DBus.Error.Failed"})",
+                                   R"({"client": "no path"})", R"({"gone": true})"}) {
+        SCOPED_TRACE(parameters);
+        const LogCapture log;
+        const Located located(parameters);
+        EXPECT_TRUE(runUntil([&] { return log.has("The location service "); }));
+        EXPECT_EQ(LocationManager::authorizationStatus(), LocationAuthorization::notDetermined);
+        EXPECT_FALSE(located.hears(100ms));
+        const auto lines = log.lines().size();
+        located.manager->startUpdatingLocation();
+        EXPECT_TRUE(runUntil([&] { return log.lines().size() > lines; }));
+    }
+}
+
+TEST(LocationManager, ABusThatSaysNothingKeepsNobodyWaiting) {
+    const SilentBus bus;
+    const auto listener = std::make_shared<Listener>();
+    const auto manager = std::make_shared<LocationManager>();
+    manager->setDelegate(listener);
+    const auto start = std::chrono::steady_clock::now();
+    manager->startUpdatingLocation();
+    EXPECT_FALSE(LocationManager::locationServicesEnabled());
+    manager->stopUpdatingLocation();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 4s);
 }
 
 TEST(LocationManager, AServiceThatIsLateKeepsNobodyWaitingAndIsHeardLater) {

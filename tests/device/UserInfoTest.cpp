@@ -13,6 +13,7 @@
 #include "tools/UserInfoGate.h"
 
 #include <chrono>
+#include <filesystem>
 
 #include <QGuiApplication>
 #include <QScreen>
@@ -142,14 +143,15 @@ TEST(Facts, AProcessThatWaitsForItsPlaceLeavesInPeace) {
     lookForFacts(R"({"geoclue": {"late": 30}})");
 }
 
-TEST(Facts, ThePositionOfAnEarlierRunIsNoFix) {
+TEST(Facts, NothingIsKeptOfAPosition) {
     const sandbox::Sandbox service;
     const Environment geocoder("VELMORA_GEOCODER_URL", service.geocoderUrl().c_str());
-    lookForFacts(R"({"geoclue": {}})", 20s);
+    const TemporaryDirectory data;
+    const Environment home("XDG_DATA_HOME", data.path().c_str());
+    lookForFacts(R"({"geoclue": {"location": {"Latitude": 47.5, "Longitude": -45.5}}})", 20s);
     ASSERT_TRUE(service.await("geocoder"));
-    // The toolkit has kept it.
-    lookForFacts(R"({"geoclue": {"silent": true}})");
-    EXPECT_EQ(service.ledger().at("entries").as_array().size(), 1U);
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(data.path()))
+        EXPECT_FALSE(entry.is_regular_file()) << entry.path();
 }
 
 }  // namespace

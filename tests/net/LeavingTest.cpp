@@ -2,6 +2,7 @@
 #include "sandbox/ScriptedServer.h"
 #include "support/Program.h"
 
+#include <algorithm>
 #include <chrono>
 
 #include <gtest/gtest.h>
@@ -16,21 +17,26 @@ using sandbox::SeenRequest;
 
 constexpr int kRounds = 10;
 
-/// Ends well, and long before anything in it times out.
-void runLeaver(const std::vector<std::string>& arguments) {
+/// Ends well, and long before anything in it times out. How long it took.
+std::chrono::steady_clock::duration runLeaver(const std::vector<std::string>& arguments) {
     std::vector<std::string> words(1);
     words.front().assign(VELMORA_LEAVER);
     words.insert(words.end(), arguments.begin(), arguments.end());
     const auto start = std::chrono::steady_clock::now();
-    ASSERT_EQ(runProgram(words).status, 0);
-    ASSERT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+    EXPECT_EQ(runProgram(words).status, 0);
+    const auto took = std::chrono::steady_clock::now() - start;
+    EXPECT_LT(took, std::chrono::seconds(20));
+    return took;
 }
 
 TEST(Leaving, AProgramThatLeavesMainWithTransfersInFlightEndsAtOnceAndWell) {
     const ScriptedServer server([](const SeenRequest&) {
         return Script{.bytes = "HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n12345", .hang = true};
     });
-    for (int round = 0; round < kRounds; ++round) runLeaver({server.url("/")});
+    auto fastest = std::chrono::steady_clock::duration::max();
+    for (int round = 0; round < kRounds; ++round) fastest = std::min(fastest, runLeaver({server.url("/")}));
+    // Nothing is waited for that goes by itself.
+    EXPECT_LT(fastest, std::chrono::seconds(1));
 }
 
 TEST(Leaving, TransfersThatStartDuringTheExitWorkOfAnApplicationAreWholeAndLaterOnesAreNot) {

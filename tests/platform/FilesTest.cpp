@@ -3,8 +3,9 @@
 #include "harness/Files.h"
 #include "harness/TemporaryDirectory.h"
 #include "platform/Directories.h"
-#include "platform/desktop/http/PartialFile.h"
+#include "platform/desktop/files/PartialFile.h"
 #include "support/FullDisk.h"
+#include "support/LogCapture.h"
 
 #include <atomic>
 #include <map>
@@ -77,7 +78,9 @@ TEST(FileManager, AWriteThatFailsLeavesEverythingAsItWas) {
     EXPECT_FALSE(FileManager::write(folder / "folder", "new"));
     EXPECT_FALSE(FileManager::write(folder / "missing" / "file", "new"));
     EXPECT_FALSE(FileManager::write(folder / "file" / "file", "new"));
+    const LogCapture log;
     EXPECT_FALSE(FileManager::write(fs::path(), "new"));
+    EXPECT_TRUE(log.has("A file cannot be made: : No such file or directory"));
     {
         const FullDisk full(1000);
         EXPECT_FALSE(FileManager::write(folder / "file", std::string(1001, 'x')));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "harness/TemporaryDirectory.h"
 #include "support/Environment.h"
 
 #include <optional>
@@ -9,6 +10,9 @@
 #include <QJsonObject>
 #include <QProcess>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 namespace velmora::test {
 
@@ -40,6 +44,28 @@ private:
 /// There is no system bus, as long as this lives.
 class NoSystemServices {
     Environment address_{"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere/bus"};
+};
+
+/// There is a system bus that takes connections and never speaks, as long as this lives.
+class SilentBus {
+public:
+    SilentBus() {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        (folder_ / "bus").string().copy(address.sun_path, sizeof address.sun_path - 1);
+        EXPECT_EQ(::bind(listener_, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+        EXPECT_EQ(::listen(listener_, 8), 0);
+    }
+
+    ~SilentBus() { ::close(listener_); }
+
+    SilentBus(const SilentBus&) = delete;
+    SilentBus& operator=(const SilentBus&) = delete;
+
+private:
+    TemporaryDirectory folder_;
+    const int listener_ = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    Environment address_{"DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + (folder_ / "bus").string()).c_str()};
 };
 
 }  // namespace velmora::test

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 
 #include <gio/gio.h>
 
@@ -27,8 +28,8 @@ class SystemBus {
 public:
     enum class Start { never, onDemand };
 
-    /// Absent where there is no bus.
-    [[nodiscard]] static std::optional<SystemBus> connect();
+    /// Absent where there is no bus, and when it was cancelled while the bus did not speak.
+    [[nodiscard]] static std::optional<SystemBus> connect(GCancellable* cancellable = nullptr);
 
     /// The answer of a method without arguments. Null when it is of another type, when it is an error, and
     /// when none has come after five seconds. A service that does not run is started on demand, if the
@@ -36,12 +37,20 @@ public:
     [[nodiscard]] Variant call(const BusObject& object, const char* method, const char* type,
                                Start start) const;
 
+    /// Likewise, with arguments, which are taken over. Without an answer `error` says by its name on the bus
+    /// what the error was, or else in words.
+    [[nodiscard]] Variant call(const BusObject& object, const char* method, GVariant* arguments,
+                               const char* type, Start start, std::string& error) const;
+
     /// The value of a property, likewise.
     [[nodiscard]] Variant property(const BusObject& object, const char* name, const char* type,
                                    Start start) const;
 
     /// All properties, by name.
     [[nodiscard]] Variant properties(const BusObject& object, Start start) const;
+
+    /// For what is not a call. It belongs to this object.
+    [[nodiscard]] GDBusConnection* connection() const { return connection_.get(); }
 
 private:
     struct Release {
@@ -51,9 +60,6 @@ private:
     using Connection = std::unique_ptr<GDBusConnection, Release>;
 
     explicit SystemBus(Connection connection);
-
-    [[nodiscard]] Variant callWith(const BusObject& object, const char* method, GVariant* arguments,
-                                   const char* type, Start start) const;
 
     Connection connection_;
 };

@@ -2,7 +2,7 @@
 
 #include "platform/Directories.h"
 #include "platform/Log.h"
-#include "platform/desktop/http/PartialFile.h"
+#include "platform/desktop/files/PartialFile.h"
 
 #include <string>
 #include <system_error>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/UrlSession.h"
-#include "platform/desktop/http/PartialFile.h"
+#include "platform/desktop/files/PartialFile.h"
 
 #include <array>
 #include <atomic>

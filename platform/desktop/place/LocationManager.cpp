@@ -77,8 +77,6 @@ void LocationManager::setDelegate(const std::weak_ptr<LocationManagerDelegate>& 
 }
 
 void LocationManager::startUpdatingLocation() {
-    const MutexLock lock(mutex_);
-    if (source_) return;
     PositionSource::Receiver receiver;
     receiver.located = [manager = weak_from_this()](const Location& location) {
         MainQueue::async([manager, location] {
@@ -87,12 +85,19 @@ void LocationManager::startUpdatingLocation() {
     };
     receiver.refused = [manager = weak_from_this()] {
         Authorization::instance().noteRefusal();
-        log("The location service refuses or fails to give this application a position");
+        log("The location service refuses this application a position");
         if (const auto kept = manager.lock()) kept->stopUpdatingLocation();
     };
-    source_ = std::make_shared<PositionSource>(std::move(receiver));
-    // The toolkit needs its application object for it.
-    MainQueue::async([source = source_] { source->start(); });
+    receiver.ended = [manager = weak_from_this()] {
+        if (const auto kept = manager.lock()) kept->stopUpdatingLocation();
+    };
+    const auto source = std::make_shared<PositionSource>(std::move(receiver));
+    {
+        const MutexLock lock(mutex_);
+        if (source_) return;
+        source_ = source;
+    }
+    source->start();
 }
 
 void LocationManager::stopUpdatingLocation() {

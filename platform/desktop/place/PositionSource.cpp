@@ -2,154 +2,172 @@
 
 #include "platform/Bundle.h"
 #include "platform/CallOut.h"
-#include "platform/Immortal.h"
 #include "platform/Log.h"
+#include "platform/desktop/bus/SystemBus.h"
+#include "platform/desktop/system/DetachedThread.h"
 
-#include <chrono>
 #include <cmath>
-#include <condition_variable>
-#include <mutex>
+#include <limits>
 #include <optional>
-#include <set>
-#include <thread>
+#include <string>
 #include <utility>
-
-#include <QCoreApplication>
-#include <QEventLoop>
-#include <QGeoPositionInfoSource>
-#include <QScopeGuard>
-#include <QVariantMap>
 
 namespace velmora::platform {
 
 namespace {
 
-double accuracyOr(double unknown, const QGeoPositionInfo& info, QGeoPositionInfo::Attribute attribute) {
-    const auto accuracy = info.hasAttribute(attribute) ? info.attribute(attribute) : unknown;
-    return std::isfinite(accuracy) ? accuracy : unknown;
+constexpr const char* kName = "org.freedesktop.GeoClue2";
+constexpr BusObject kManager{kName, "/org/freedesktop/GeoClue2/Manager", "org.freedesktop.GeoClue2.Manager"};
+constexpr const char* kClient = "org.freedesktop.GeoClue2.Client";
+constexpr const char* kLocation = "org.freedesktop.GeoClue2.Location";
+constexpr const char* kRefusal = "org.freedesktop.DBus.Error.AccessDenied";
+
+/// Of the levels of accuracy, the one that tells as exactly as the machine can.
+constexpr guint32 kExact = 8;
+/// What the service writes for an altitude that it does not know.
+constexpr double kNoAltitude = std::numeric_limits<double>::lowest();
+
+/// Absent where there is none, and where it is no number.
+std::optional<double> numberIn(GVariant* properties, const char* name) {
+    double number = 0;
+    if (g_variant_lookup(properties, name, "d", &number) == FALSE || !std::isfinite(number))
+        return std::nullopt;
+    return number;
 }
 
-/// The toolkit first tells the position that it kept from an earlier run, which has no accuracy; and of a
-/// coordinate that is no number it makes 0.
-bool isMeasured(const QGeoPositionInfo& info) {
-    const auto position = info.coordinate();
-    return info.isValid() && info.hasAttribute(QGeoPositionInfo::HorizontalAccuracy) &&
-           position.latitude() != 0 && position.longitude() != 0;
-}
-
-std::optional<Location> locationOf(const QGeoPositionInfo& info) {
-    if (!isMeasured(info)) return std::nullopt;
-    constexpr double unknown = Location().horizontalAccuracy;
-    Location location{.latitude = info.coordinate().latitude(), .longitude = info.coordinate().longitude()};
-    location.horizontalAccuracy = accuracyOr(unknown, info, QGeoPositionInfo::HorizontalAccuracy);
-    if (const auto altitude = info.coordinate().altitude(); std::isfinite(altitude)) {
-        location.altitude = altitude;
-        location.verticalAccuracy = accuracyOr(unknown, info, QGeoPositionInfo::VerticalAccuracy);
-    }
+std::optional<Location> locationOf(GVariant* properties) {
+    const auto latitude = numberIn(properties, "Latitude");
+    const auto longitude = numberIn(properties, "Longitude");
+    constexpr double pole = 90;
+    constexpr double antimeridian = 180;
+    if (!latitude || !longitude || std::abs(*latitude) > pole || std::abs(*longitude) > antimeridian)
+        return std::nullopt;
+    Location location{.latitude = *latitude, .longitude = *longitude};
+    if (const auto accuracy = numberIn(properties, "Accuracy")) location.horizontalAccuracy = *accuracy;
+    const auto altitude = numberIn(properties, "Altitude");
+    if (altitude && *altitude != kNoAltitude) location.altitude = *altitude;
     return location;
 }
 
-std::unique_ptr<QGeoPositionInfoSource> makeSource() {
-    // The service knows applications by the name of their desktop file, which is their identifier.
-    const auto identifier = QString::fromStdString(Bundle::main().identifier().value_or("application"));
-    return std::unique_ptr<QGeoPositionInfoSource>(
-        QGeoPositionInfoSource::createSource("geoclue2", {{"desktopId", identifier}}, nullptr));
-}
-
-/// The sources whose threads run. They end with the application object, while what they use is still there.
-class Running {
-public:
-    static Running& instance() {
-        static Immortal<Running> running;
-        return *running;
-    }
-
-    void enter(const std::shared_ptr<PositionSource>& source) {
-        const std::lock_guard lock(mutex_);
-        sources_.insert(source);
-    }
-
-    void leave(const std::shared_ptr<PositionSource>& source) {
-        const std::lock_guard lock(mutex_);
-        sources_.erase(source);
-        left_.notify_all();
-    }
-
-    /// A service that does not answer is not waited for.
-    void endAll() {
-        constexpr std::chrono::seconds patience(1);
-        std::unique_lock lock(mutex_);
-        for (const auto& source : sources_) source->stop();
-        left_.wait_for(lock, patience, [this] { return sources_.empty(); });
-    }
-
-private:
-    std::mutex mutex_;
-    std::set<std::shared_ptr<PositionSource>> sources_;
-    std::condition_variable left_;
-};
-
-void endWithApplication() {
-    qAddPostRoutine([] { Running::instance().endAll(); });
-}
-
-Q_COREAPP_STARTUP_FUNCTION(endWithApplication)
-
 }  // namespace
 
-PositionSource::PositionSource(Receiver receiver) : receiver_(std::move(receiver)) {}
+/// What the service has for this application, from the first call to the end of the connection.
+class PositionSource::Client {
+public:
+    Client(const Receiver& receiver, SystemBus bus) : receiver_(receiver), bus_(std::move(bus)) {}
+
+    /// With the connection the service's client ends, and with the subscriptions nothing comes any more.
+    ~Client() {
+        if (updates_ != 0) g_dbus_connection_signal_unsubscribe(bus_.connection(), updates_);
+        if (owner_ != 0) g_bus_unwatch_name(owner_);
+        g_dbus_connection_close_sync(bus_.connection(), nullptr, nullptr);
+    }
+
+    Client(const Client&) = delete;
+    Client& operator=(const Client&) = delete;
+
+    /// False, with what there is to say said, when it is given no positions.
+    [[nodiscard]] bool start() {
+        const auto answer = call(kManager, "GetClient", nullptr, "(o)");
+        if (!answer) return false;
+        const char* path = nullptr;
+        g_variant_get(answer.get(), "(&o)", &path);
+        path_ = path;
+        updates_ =
+            g_dbus_connection_signal_subscribe(bus_.connection(), kName, kClient, "LocationUpdated", path,
+                                               nullptr, G_DBUS_SIGNAL_FLAGS_NONE, &onUpdate, this, nullptr);
+        owner_ = g_bus_watch_name_on_connection(bus_.connection(), kName, G_BUS_NAME_WATCHER_FLAGS_NONE,
+                                                nullptr, &onGone, this, nullptr);
+        // The service knows applications by the name of their desktop file, which is their identifier.
+        const auto identifier = Bundle::main().identifier().value_or("application");
+        return set("DesktopId", g_variant_new_string(identifier.c_str())) &&
+               set("RequestedAccuracyLevel", g_variant_new_uint32(kExact)) &&
+               call({kName, path_.c_str(), kClient}, "Start", nullptr, "()") != nullptr;
+    }
+
+    [[nodiscard]] bool isGone() const { return isGone_; }
+
+private:
+    [[nodiscard]] Variant call(const BusObject& object, const char* method, GVariant* arguments,
+                               const char* type) {
+        std::string error;
+        auto answer = bus_.call(object, method, arguments, type, SystemBus::Start::onDemand, error);
+        if (answer) return answer;
+        if (error == kRefusal) {
+            receiver_.refused();
+        } else {
+            log("The location service gives no positions: " + error);
+            receiver_.ended();
+        }
+        return nullptr;
+    }
+
+    [[nodiscard]] bool set(const char* property, GVariant* value) {
+        return call({kName, path_.c_str(), "org.freedesktop.DBus.Properties"}, "Set",
+                    g_variant_new("(ssv)", kClient, property, value), "()") != nullptr;
+    }
+
+    static void onUpdate(GDBusConnection*, const char*, const char*, const char*, const char*,
+                         GVariant* paths, gpointer self) {
+        if (g_variant_is_of_type(paths, G_VARIANT_TYPE("(oo)")) == FALSE) return;
+        const char* path = nullptr;
+        g_variant_get_child(paths, 1, "&o", &path);
+        static_cast<Client*>(self)->tell(path);
+    }
+
+    static void onGone(GDBusConnection*, const char*, gpointer self) {
+        log("The location service has gone");
+        static_cast<Client*>(self)->isGone_ = true;
+    }
+
+    void tell(const char* path) const {
+        const auto properties = bus_.properties({kName, path, kLocation}, SystemBus::Start::never);
+        if (!properties) return;
+        if (const auto location = locationOf(properties.get())) receiver_.located(*location);
+    }
+
+    const Receiver& receiver_;
+    const SystemBus bus_;
+    std::string path_;
+    guint updates_ = 0;
+    guint owner_ = 0;
+    bool isGone_ = false;
+};
+
+PositionSource::PositionSource(Receiver receiver)
+    : receiver_(std::move(receiver)), context_(g_main_context_new()), cancellable_(g_cancellable_new()) {}
+
+PositionSource::~PositionSource() {
+    g_object_unref(cancellable_);
+    g_main_context_unref(context_);
+}
 
 void PositionSource::start() {
     const auto self = shared_from_this();
-    Running::instance().enter(self);
-    bool isStarted = false;
-    callOut("the start of a position source", [&] {
-        std::thread([self] {
-            callOut("a position source", [&] { self->run(); });
-            Running::instance().leave(self);
-        }).detach();
-        isStarted = true;
-    });
-    if (!isStarted) Running::instance().leave(self);
+    if (!startDetachedThread([self] { callOut("a position source", [&] { self->run(); }); }))
+        receiver_.ended();
 }
 
 void PositionSource::stop() {
-    const MutexLock lock(mutex_);
-    isStopped_ = true;
-    if (loop_ != nullptr) QMetaObject::invokeMethod(loop_, &QEventLoop::quit, Qt::QueuedConnection);
+    g_cancellable_cancel(cancellable_);
+    g_main_context_wakeup(context_);
 }
+
+bool PositionSource::isStopped() { return g_cancellable_is_cancelled(cancellable_) != FALSE; }
 
 void PositionSource::run() {
-    QEventLoop loop;
-    {
-        const MutexLock lock(mutex_);
-        if (isStopped_) return;
-        loop_ = &loop;
+    // What comes over a connection that is made here comes in this context.
+    g_main_context_push_thread_default(context_);
+    if (auto bus = SystemBus::connect(cancellable_)) {
+        Client client(receiver_, std::move(*bus));
+        if (!isStopped() && client.start()) {
+            while (!isStopped() && !client.isGone()) g_main_context_iteration(context_, TRUE);
+            if (!isStopped()) receiver_.ended();
+        }
+    } else if (!isStopped()) {
+        receiver_.ended();
     }
-    const auto forget = qScopeGuard([this] {
-        const MutexLock lock(mutex_);
-        loop_ = nullptr;
-    });
-    receiveIn(loop);
-}
-
-void PositionSource::receiveIn(QEventLoop& loop) {
-    const auto source = makeSource();
-    if (!source) return log("Positions cannot be had: the toolkit's module for GeoClue is missing");
-    QObject::connect(source.get(), &QGeoPositionInfoSource::positionUpdated, source.get(),
-                     [this](const QGeoPositionInfo& info) {
-                         if (const auto location = locationOf(info)) receiver_.located(*location);
-                     });
-    QObject::connect(source.get(), &QGeoPositionInfoSource::errorOccurred, source.get(),
-                     [this](QGeoPositionInfoSource::Error error) {
-                         if (error == QGeoPositionInfoSource::AccessError) receiver_.refused();
-                     });
-    // As exact as there is. Left alone, the toolkit asks for the least.
-    source->setPreferredPositioningMethods(QGeoPositionInfoSource::AllPositioningMethods);
-    source->startUpdates();
-    loop.exec();
-    // The connection to the bus outlives the source: without this the service would go on measuring.
-    source->stopUpdates();
+    g_main_context_pop_thread_default(context_);
 }
 
 }  // namespace velmora::platform

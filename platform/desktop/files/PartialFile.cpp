@@ -1,4 +1,4 @@
-#include "platform/desktop/http/PartialFile.h"
+#include "platform/desktop/files/PartialFile.h"
 
 #include "platform/Log.h"
 
