@@ -4,6 +4,7 @@
 
 namespace velmora {
 
+class ShowEvents;
 class VLAdShowOptions;
 class VLAdSuggestion;
 class VelmoraAd;
@@ -12,10 +13,11 @@ class VelmoraAd;
 class ShowStart {
 public:
     /// Begins on a thread of its own and returns before that. `suggestion` is that of the handle, null where
-    /// it has none.
+    /// it has none; `events` hears of everything that happens.
     using Function = void (*)(const std::shared_ptr<VelmoraAd>& ad,
                               const std::shared_ptr<VLAdSuggestion>& suggestion,
-                              const std::shared_ptr<VLAdShowOptions>& options);
+                              const std::shared_ptr<VLAdShowOptions>& options,
+                              const std::shared_ptr<ShowEvents>& events);
 
     ShowStart() = delete;
 

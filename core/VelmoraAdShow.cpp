@@ -1,6 +1,7 @@
 // The half of the handle that shows.
 
 #include "core/ApplicationCalls.h"
+#include "core/ShowBooks.h"
 #include "core/ShowStart.h"
 #include "log/VLLog.h"
 #include "model/VLAdSuggestion.h"
@@ -22,7 +23,7 @@ void VelmoraAd::showWithOptions(const std::shared_ptr<VLAdShowOptions>& options)
     const auto start = ShowStart::get();
     if (start == nullptr) return VLLog("This application has nothing that could show an ad");
     if (ad) ad->reportAdIsDoing();
-    start(self, ad, options);
+    start(self, ad, options, std::make_shared<ShowBooks>(self));
 }
 
 }  // namespace velmora

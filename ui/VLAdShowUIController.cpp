@@ -1,12 +1,13 @@
 #include "ui/VLAdShowUIController.h"
 
-#include "core/VelmoraManager.h"
 #include "log/VLLog.h"
+#include "model/ShowEvents.h"
 #include "model/VLActionModel.h"
 #include "model/VLAdShowOptionsState.h"
 #include "model/VLAdSuggestion.h"
 #include "model/VLDirectCreativeModel.h"
 #include "model/VLSkipStarPercentageModel.h"
+#include "model/VLVastTrackingData.h"
 #include "platform/Application.h"
 #include "screen/Application.h"
 #include "ui/CallToAction.h"
@@ -53,7 +54,7 @@ std::shared_ptr<screen::ViewController> presenter() {
 
 }  // namespace
 
-VLAdShowUIController::VLAdShowUIController() = default;
+VLAdShowUIController::VLAdShowUIController(std::shared_ptr<ShowEvents> events) : events_(std::move(events)) {}
 
 VLAdShowUIController::~VLAdShowUIController() {
     if (videoView) videoView->player.reset();
@@ -68,6 +69,7 @@ void VLAdShowUIController::showAd(const std::shared_ptr<VelmoraAd>& showAd,
     requestOptions = andRequestOptions;
     tAd = showAd;
     videoPathOrUrl.reset();
+    if (const auto data = trackingData()) progressTrackers_ = data->progressTrackingUrls.get();
     initView();
 
     // In its place at once, like the first picture in it: who waits for an ad gains nothing by two slides.
@@ -240,9 +242,7 @@ bool VLAdShowUIController::isCompletedOrShownOnce() const {
     return platform::asBool(isVideoCompleted) || platform::asBool(isVideoShownOnce);
 }
 
-void VLAdShowUIController::tellManager(bool completed) const {
-    VelmoraManager::onAdShowFinished(tAd, completed);
-}
+void VLAdShowUIController::tellManager(bool completed) const { events_->finished(completed); }
 
 void VLAdShowUIController::dismissAll() {
     // By what holds this show and nothing else: the root may present the next one by the time that this has

@@ -5,7 +5,6 @@
 #include "ui/VLAVPlayerViewControllerDelegate.h"
 #include "ui/VLWebViewController.h"
 
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,6 +13,7 @@
 
 namespace velmora {
 
+class ShowEvents;
 class VLActionModel;
 class VLAdRequestOptions;
 class VLAdShowOptions;
@@ -22,6 +22,7 @@ class VLAVPlayerViewController;
 class VLActivityIndicatorView;
 class VLDirectCreativeModel;
 class VLFinalStatesModel;
+class VLProgressTrackerModel;
 class VLVastTrackingData;
 class VelmoraAd;
 
@@ -33,7 +34,8 @@ class VLAdShowUIController final : public screen::ViewController,
                                    public VLWebViewControllerDelegate,
                                    public VLAVPlayerViewControllerDelegate {
 public:
-    VLAdShowUIController();
+    /// What happens is told to `events`, which is there.
+    explicit VLAdShowUIController(std::shared_ptr<ShowEvents> events);
     /// Releases the player, whose observer keeps the player's controller alive.
     ~VLAdShowUIController() override;
     VLAdShowUIController(const VLAdShowUIController&) = delete;
@@ -74,29 +76,26 @@ public:
     void vlOnVideoMuted() override;
     void vlOnVideoUnmuted() override;
 
-    /// The record of an ad that is over: what was seen of it, and that the suggestion is done. None is made
-    /// of a video that could not be loaded.
+    /// Tells that the ad is over, with what was seen of it. Not of a video that could not be loaded.
     void onAdWasDone();
+    /// Tells that the ad is on the screen.
     void updateSuggestionState();
-    /// Those of the store, as they were when they were loaded or last changed from here.
+    /// An empty list: the store is not this one's.
     [[nodiscard]] std::shared_ptr<VLFinalStatesModel> getFinalStates();
-    /// Puts into the store that the ad is being shown and what has passed of it, where the list there still
-    /// has this suggestion.
+    /// Tells what has passed of the ad, once there is a word of that.
     void saveFinalStates();
 
-    /// Calls each URL of a list of trackers, in its order. One for each event, by its name.
-    using VastReports = void(const Property& urls);
-    static VastReports sendVastReports;
-    static constexpr VastReports* sendStartVastReports = sendVastReports;
-    static constexpr VastReports* sendFirstQuartileVastReports = sendVastReports;
-    static constexpr VastReports* sendMidPointVastReports = sendVastReports;
-    static constexpr VastReports* sendThirdQuartileVastReports = sendVastReports;
-    static constexpr VastReports* sendCompleteVastReports = sendVastReports;
-    static constexpr VastReports* sendSkipVastReports = sendVastReports;
-    static constexpr VastReports* sendMutedVastReports = sendVastReports;
-    static constexpr VastReports* sendUnmutedVastReports = sendVastReports;
-    /// Calls the one tracker of an offset.
-    static void sendProgressVastReports(const Property& url);
+    /// Each tells its event; which URLs are called then is for who is told.
+    void sendStartVastReports(const Property& urls);
+    void sendFirstQuartileVastReports(const Property& urls);
+    void sendMidPointVastReports(const Property& urls);
+    void sendThirdQuartileVastReports(const Property& urls);
+    void sendCompleteVastReports(const Property& urls);
+    void sendSkipVastReports(const Property& urls);
+    void sendMutedVastReports(const Property& urls);
+    void sendUnmutedVastReports(const Property& urls);
+    /// Tells the place of the progress tracker that this is the URL of, by its address.
+    void sendProgressVastReports(const Property& url);
 
     std::shared_ptr<VelmoraAd> tAd;
     std::shared_ptr<VLAdSuggestion> ad;
@@ -131,11 +130,13 @@ private:
 
     void sendDueOffsets(VLVastTrackingData& data, float progress, float currentTime);
     void setPassedDuration(const std::string& text);
-    void changeFinalStates(const std::function<void(VLFinalStatesModel&)>& change);
-    void recordVideo();
-    void recordPage();
-    void addDoneSuggestion() const;
+    /// The figures of what was seen; whether there is a last word of what has passed.
+    bool sawVideo();
+    bool sawPage();
 
+    const std::shared_ptr<ShowEvents> events_;
+    /// As it was when the show began.
+    ModelList<VLProgressTrackerModel> progressTrackers_;
     /// Of what was seen, for the final state; absent before the first word of it.
     std::optional<std::string> passedDuration_;
     bool couldNotLoad_ = false;

@@ -1,17 +1,15 @@
-// The half of the class that reports: trackers, figures of what was seen, and the done record.
+// The half of the class that tells: trackers, and figures of what was seen.
 
 #include "log/VLLog.h"
+#include "model/ShowEvents.h"
 #include "model/VLAdSuggestion.h"
 #include "model/VLDirectCreativeModel.h"
-#include "model/VLDoneAdSuggestion.h"
 #include "model/VLFinalStatesModel.h"
 #include "model/VLProgressTrackerModel.h"
 #include "model/VLSkipStarPercentageModel.h"
 #include "model/VLVastTrackingData.h"
-#include "net/VLWebServices.h"
 #include "platform/Clock.h"
 #include "platform/Log.h"
-#include "store/VLDefaults.h"
 #include "ui/ProgressOffset.h"
 #include "ui/VLAVPlayerViewController.h"
 #include "ui/VLAdShowUIController.h"
@@ -25,89 +23,98 @@ namespace {
 
 constexpr std::int64_t kSecondsOfPage = 30;
 constexpr std::int64_t kMostSecondsOfPage = 100;
-constexpr const char* kPassedDuration = "passedDuration";
 
 using Data = VLVastTrackingData;
 using Show = VLAdShowUIController;
 
-/// What is sent when something happens.
-struct Event {
-    const Property& (Data::*trackers)() const;
-    AtomicProperty<Property> Data::*isReported = nullptr;  ///< null for what is sent every time
-    bool countsWithoutTrackers = false;                    ///< reported even though there is no list
+/// What is told when something happens, and what that depends on.
+struct Tracker {
+    const Property& (Data::*urls)() const;
+    void (Show::*send)(const Property& urls);
+    AtomicProperty<Property> Data::*isReported = nullptr;  ///< null for what is told every time
+    bool countsWithoutUrls = false;                        ///< told even though there is no list
 };
 
-/// What ticks send, in this order, and from which fraction of the video on.
+/// What ticks tell, in this order, and from which fraction of the video on.
 constexpr struct {
     std::optional<float> from;  ///< absent for the first tick, wherever it is
-    Event event;
+    Tracker tracker;
 } kOfTicks[] = {
-    {std::nullopt, {&Data::getStartTrackerUrls, &Data::isStartTrackerReported}},
-    {0.25F, {&Data::getFirstQuartileTrackerUrls, &Data::isFirstQuartileTrackerReported}},
-    {0.5F, {&Data::getMidpointTrackerUrls, &Data::isMidpointReported}},
-    {0.75F, {&Data::getThirdQuartileTrackerUrls, &Data::isThirdQuartileTrackerReported}},
+    {std::nullopt, {&Data::getStartTrackerUrls, &Show::sendStartVastReports, &Data::isStartTrackerReported}},
+    {0.25F,
+     {&Data::getFirstQuartileTrackerUrls, &Show::sendFirstQuartileVastReports,
+      &Data::isFirstQuartileTrackerReported}},
+    {0.5F, {&Data::getMidpointTrackerUrls, &Show::sendMidPointVastReports, &Data::isMidpointReported}},
+    {0.75F,
+     {&Data::getThirdQuartileTrackerUrls, &Show::sendThirdQuartileVastReports,
+      &Data::isThirdQuartileTrackerReported}},
 };
 
-constexpr Event kComplete{&Data::getCompleteTrackerUrls, &Data::isCompleteTrackerReported, true};
-constexpr Event kSkip{&Data::getSkipTrackerUrls, &Data::isSkipTrackerReported, true};
-constexpr Event kMute{&Data::getMuteTrackerUrls};
-constexpr Event kUnmute{&Data::getUnmuteTrackerUrls};
+constexpr Tracker kComplete{&Data::getCompleteTrackerUrls, &Show::sendCompleteVastReports,
+                            &Data::isCompleteTrackerReported, true};
+constexpr Tracker kSkip{&Data::getSkipTrackerUrls, &Show::sendSkipVastReports, &Data::isSkipTrackerReported,
+                        true};
+constexpr Tracker kMute{&Data::getMuteTrackerUrls, &Show::sendMutedVastReports};
+constexpr Tracker kUnmute{&Data::getUnmuteTrackerUrls, &Show::sendUnmutedVastReports};
 
-void report(const std::shared_ptr<Data>& data, const Event& event) {
+void report(Show& show, const std::shared_ptr<Data>& data, const Tracker& tracker) {
     if (!data) return;
-    const auto& trackers = ((*data).*event.trackers)();
-    if (event.isReported == nullptr) return Show::sendVastReports(trackers);
-    auto& isReported = (*data).*event.isReported;
-    if (platform::asBool(isReported.get()) || (!trackers && !event.countsWithoutTrackers)) return;
-    Show::sendVastReports(trackers);
+    const auto& urls = ((*data).*tracker.urls)();
+    if (tracker.isReported == nullptr) return (show.*tracker.send)(urls);
+    auto& isReported = (*data).*tracker.isReported;
+    if (platform::asBool(isReported.get()) || (!urls && !tracker.countsWithoutUrls)) return;
+    (show.*tracker.send)(urls);
+    // Whoever keeps the books has set it in the handle's own; this one may be a copy.
     isReported.set(Property(true));
-}
-
-void sendReport(const platform::Value& url) {
-    if (const auto text = platform::asString(url))
-        VLWebServices::callUrl(
-            *text, [](const auto&) {}, [](const VLClientError&) {});
 }
 
 }  // namespace
 
-void VLAdShowUIController::sendVastReports(const Property& urls) {
-    const auto* list = urls ? urls->if_array() : nullptr;
-    if (list == nullptr) return;
-    for (const auto& url : *list) sendReport(url);
+void VLAdShowUIController::sendStartVastReports(const Property&) { events_->tracked(TrackingEvent::start); }
+
+void VLAdShowUIController::sendFirstQuartileVastReports(const Property&) {
+    events_->tracked(TrackingEvent::firstQuartile);
+}
+
+void VLAdShowUIController::sendMidPointVastReports(const Property&) {
+    events_->tracked(TrackingEvent::midpoint);
+}
+
+void VLAdShowUIController::sendThirdQuartileVastReports(const Property&) {
+    events_->tracked(TrackingEvent::thirdQuartile);
+}
+
+void VLAdShowUIController::sendCompleteVastReports(const Property&) {
+    events_->tracked(TrackingEvent::complete);
+}
+
+void VLAdShowUIController::sendSkipVastReports(const Property&) { events_->tracked(TrackingEvent::skip); }
+
+void VLAdShowUIController::sendMutedVastReports(const Property&) { events_->tracked(TrackingEvent::mute); }
+
+void VLAdShowUIController::sendUnmutedVastReports(const Property&) {
+    events_->tracked(TrackingEvent::unmute);
 }
 
 void VLAdShowUIController::sendProgressVastReports(const Property& url) {
-    if (url) sendReport(*url);
+    if (!progressTrackers_) return;
+    for (std::size_t place = 0; place < progressTrackers_->size(); ++place) {
+        const auto& entry = (*progressTrackers_)[place];
+        if (entry && &entry->second == &url) return events_->trackedProgress(place);
+    }
 }
 
 void VLAdShowUIController::updateSuggestionState() {
-    if (!ad || !ad->suggestionId) return;
-    changeFinalStates(
-        [id = ad->getSuggestionId()](VLFinalStatesModel& states) { states.updateDoingSuggestion(id); });
+    if (ad && ad->suggestionId) events_->doing();
 }
 
 std::shared_ptr<VLFinalStatesModel> VLAdShowUIController::getFinalStates() {
-    if (!finalStates) finalStates = VLDefaults::getFinalStates();
+    if (!finalStates) finalStates = std::make_shared<VLFinalStatesModel>();
     return finalStates;
 }
 
 void VLAdShowUIController::saveFinalStates() {
-    if (!ad || !passedDuration_) return;
-    changeFinalStates([&](VLFinalStatesModel& states) {
-        // The store may have been held when the show began.
-        states.updateDoingSuggestion(ad->getSuggestionId());
-        states.updateSuggestionExtraInfo(ad->getSuggestionId(), kPassedDuration, Property(*passedDuration_));
-    });
-}
-
-void VLAdShowUIController::changeFinalStates(const std::function<void(VLFinalStatesModel&)>& change) {
-    // In the store itself: an answer may have brought another list since the show began.
-    VLDefaults::changeFinalStates([&](VLFinalStatesModel& stored) {
-        change(stored);
-        finalStates = std::make_shared<VLFinalStatesModel>();
-        finalStates->setStates(stored.getStates());
-    });
+    if (ad && passedDuration_) events_->passed(*passedDuration_);
 }
 
 void VLAdShowUIController::setPassedDuration(const std::string& text) {
@@ -117,8 +124,8 @@ void VLAdShowUIController::setPassedDuration(const std::string& text) {
 
 void VLAdShowUIController::vlOnProgressUpdated(float progress, float currentTime) {
     if (const auto data = trackingData()) {
-        for (const auto& [from, event] : kOfTicks) {
-            if (!from || progress >= *from) report(data, event);
+        for (const auto& [from, tracker] : kOfTicks) {
+            if (!from || progress >= *from) report(*this, data, tracker);
         }
         sendDueOffsets(*data, progress, currentTime);
     }
@@ -167,54 +174,44 @@ void VLAdShowUIController::vlOnVideoSkipped() {
             controller->followVideo();
         });
     }
-    report(trackingData(), kSkip);
+    report(*this, trackingData(), kSkip);
 }
 
-void VLAdShowUIController::vlOnVideoMuted() { report(trackingData(), kMute); }
+void VLAdShowUIController::vlOnVideoMuted() { report(*this, trackingData(), kMute); }
 
-void VLAdShowUIController::vlOnVideoUnmuted() { report(trackingData(), kUnmute); }
+void VLAdShowUIController::vlOnVideoUnmuted() { report(*this, trackingData(), kUnmute); }
 
 void VLAdShowUIController::onAdWasDone() {
     // Whoever asks, and whenever: what the dismissal of the player leads to may come before that of the show.
     if (couldNotLoad_) return;
     adDoneRecorded = true;
+    ShowFigures figures;
     if (const auto type = creative() ? creative()->ctaType : std::nullopt) {
-        if (platform::equals(type, VLCreativeType::video) ||
-            platform::equals(type, VLCreativeType::rewardedVideo))
-            recordVideo();
-        else
-            recordPage();
+        const bool isVideo = platform::equals(type, VLCreativeType::video) ||
+                             platform::equals(type, VLCreativeType::rewardedVideo);
+        if (isVideo ? sawVideo() : sawPage()) figures.passedDuration = passedDuration_;
+        if (isVideo) report(*this, trackingData(), kComplete);
     }
-    addDoneSuggestion();
-    if (ad) ad->reportAdIsDoneWithFinalStates(getFinalStates());
-    VLDefaults::removeCachedAd(tAd);
+    figures.doneSeconds = doneSeconds;
+    figures.donePercentage = donePercentage;
+    events_->done(figures);
 }
 
-void VLAdShowUIController::recordVideo() {
-    if (isCompletedOrShownOnce()) {
-        doneSeconds = videoView ? videoView->getVideoDuration() : std::nullopt;
-        donePercentage = 100;
-        setPassedDuration("100");
-    }
-    report(trackingData(), kComplete);
+bool VLAdShowUIController::sawVideo() {
+    if (!isCompletedOrShownOnce()) return false;
+    doneSeconds = videoView ? videoView->getVideoDuration() : std::nullopt;
+    donePercentage = 100;
+    passedDuration_ = "100";
+    return true;
 }
 
-void VLAdShowUIController::recordPage() {
+bool VLAdShowUIController::sawPage() {
     // The time of day stands for the time that the page was seen, and is always beyond the limit.
     doneSeconds =
         webViewStartTime ? std::min(platform::nowInMilliseconds(), kMostSecondsOfPage) : kSecondsOfPage;
     donePercentage = 100;
-    setPassedDuration(platform::formatted(donePercentage));
-}
-
-void VLAdShowUIController::addDoneSuggestion() const {
-    if (!ad || !ad->suggestionId || !ad->callToActionId) return;
-    const auto done = std::make_shared<VLDoneAdSuggestion>();
-    done->suggestionId = ad->suggestionId;
-    done->callToActionId = ad->callToActionId;
-    done->donePercentage = donePercentage;
-    done->doneSeconds = doneSeconds;
-    VLDefaults::addDoneAdSuggestion(done);
+    passedDuration_ = platform::formatted(donePercentage);
+    return true;
 }
 
 }  // namespace velmora

@@ -2,6 +2,7 @@
 #include "harness/Await.h"
 #include "log/VLLog.h"
 #include "model/AtomicProperty.h"
+#include "sandbox/Sandbox.h"
 #include "sandbox/ScriptedServer.h"
 #include "support/ApplicationStore.h"
 #include "support/LogCapture.h"
@@ -165,6 +166,16 @@ TEST_F(ShutDown, APluginThatIsClosedAfterItLeavesNothingBehind) {
     const auto ended =
         runProgram({VELMORA_PLUGIN_HOST, VELMORA_PLUGIN}, {{"XDG_DATA_HOME", data.path().string()}});
     EXPECT_EQ(ended.status, 0) << ended.errors;
+}
+
+TEST(Console, AProgramWithoutAToolkitHearsOfItsAdAndOfTheEndOfItsTime) {
+    const sandbox::Sandbox service({.expiringAfter = 100ms});
+    const TemporaryDirectory data;
+    const auto ended = runProgram({VELMORA_CONSOLE}, {{"XDG_DATA_HOME", data.path().string()},
+                                                      {"VELMORA_API_BASE_URL", service.plainApiUrl()}});
+    EXPECT_EQ(ended.status, 0) << ended.errors;
+    EXPECT_EQ(ended.output, "available\nexpiring\n");
+    EXPECT_THAT(ended.errors, testing::HasSubstr("Callbacks come on a thread of the library's"));
 }
 
 TEST(ShutDownAlone, BeforeAnyInitialisationDoesNothing) {

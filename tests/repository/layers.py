@@ -20,9 +20,6 @@ UPWARD = {
     ("model/VLCachedRequestItem.cpp", "net/VLClient.h"),
     ("net/VLRequestHeaders.cpp", "core/VelmoraManager.h"),
     ("net/VelmoraVAST.cpp", "core/VelmoraManager.h"),
-    ("ui/VLAdShowUIController.cpp", "core/VelmoraManager.h"),
-    ("ui/VLAdShowUIControllerReporting.cpp", "net/VLWebServices.h"),
-    ("ui/VLAdShowUIControllerReporting.cpp", "store/VLDefaults.h"),
 }
 
 # What only these folders may include.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/ShowBooks.h"
 #include "harness/EventLoop.h"
 #include "model/VLAdSuggestion.h"
 #include "model/VLFinalStatesModel.h"
@@ -107,7 +108,7 @@ public:
     /// What is not asked whether it is supported.
     std::shared_ptr<VLAdShowUIController> showUnasked(const std::shared_ptr<VelmoraAd>& ad) {
         VLDefaults::cacheNewAd(ad);
-        auto shown = std::make_shared<VLAdShowUIController>();
+        auto shown = std::make_shared<VLAdShowUIController>(std::make_shared<ShowBooks>(ad));
         controller_ = shown;
         shown->showAd(ad, ad->state().mAd.get(), nullptr, ad->getRequestOptions());
         return shown;

@@ -246,7 +246,7 @@ TEST_F(AdShow, TwoShowsAtOnceAndOneWhoseWindowGoesComeToAnEnd) {
 }
 
 TEST(AdShowOptions, TheOrientationIsAnsweredAsAMask) {
-    const auto controller = std::make_shared<VLAdShowUIController>();
+    const auto controller = std::make_shared<VLAdShowUIController>(nullptr);
     EXPECT_EQ(controller->supportedInterfaceOrientations(), 30U);
     controller->showOptions = std::make_shared<VLAdShowOptions>();
     std::vector<std::uint32_t> masks;

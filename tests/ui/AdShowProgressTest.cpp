@@ -81,10 +81,10 @@ TEST_F(AdShow, EachMuteAndUnmuteIsReported) {
 }
 
 TEST_F(AdShow, TrackersThatAreNoneAreHarmlessAndOffsetsGoByTheirForms) {
-    show(ready("s", R"({"ctaType": 1, "ctaUrl": "u", "action": {"type": 1}, "vastTrackingData":
+    const auto ad = ready("s", R"({"ctaType": 1, "ctaUrl": "u", "action": {"type": 1}, "vastTrackingData":
         {"startTrackerUrls": [7, null, "", "no url", "file:///etc/passwd", ")" +
-                        server_.url("/start") + R"("], "muteTrackerUrls": "x"}})"));
-    const auto data = shown()->ad->creative->vastTrackingData;
+                                   server_.url("/start") + R"("], "muteTrackerUrls": "x"}})");
+    const auto data = ad->state().mAd.get()->creative->vastTrackingData;
     const auto offset = [&](const Property& first, const std::string& event) {
         auto tracker = std::make_shared<VLProgressTrackerModel>();
         tracker->first = first;
@@ -95,6 +95,7 @@ TEST_F(AdShow, TrackersThatAreNoneAreHarmlessAndOffsetsGoByTheirForms) {
         {offset(std::nullopt, "none"), offset(Property("00:00:05.500"), "ms"),
          offset(Property("00:00:05"), "s"), offset(Property("0%"), "zero"),
          offset(Property("25%"), "percent"), offset(Property("soon"), "text"), nullptr}));
+    show(ad);
     play();
     shown()->videoView->muteButtonClicked();
     tick({0});

@@ -12,10 +12,11 @@ namespace velmora::screen {
 namespace {
 
 void show(const std::shared_ptr<VelmoraAd>& ad, const std::shared_ptr<VLAdSuggestion>& suggestion,
-          const std::shared_ptr<VLAdShowOptions>& options) {
-    Queue::async([ad, suggestion, options] {
+          const std::shared_ptr<VLAdShowOptions>& options, const std::shared_ptr<ShowEvents>& events) {
+    Queue::async([ad, suggestion, options, events] {
         if (!Application::hasScreen()) return VLLog("An ad is shown only in a QApplication");
-        std::make_shared<VLAdShowUIController>()->showAd(ad, suggestion, options, ad->getRequestOptions());
+        std::make_shared<VLAdShowUIController>(events)->showAd(ad, suggestion, options,
+                                                               ad->getRequestOptions());
     });
 }
 
