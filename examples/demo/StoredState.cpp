@@ -2,52 +2,39 @@
 
 #include <velmora/enumerations.h>
 
-#include <memory>
-
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QHash>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QProcess>
 #include <QStandardPaths>
-#include <sqlite3.h>
 
 namespace demo {
 
 namespace {
 
-struct Close {
-    void operator()(sqlite3* database) const { sqlite3_close(database); }
-    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
-};
-
-/// Looks only, so that whatever the library does with the file it does alone.
+/// The values in the file, by their keys. Another process reads them: two copies of SQLite in one process,
+/// the library's and another, must not have one file open, or its locks go when either closes it.
 class Reader {
 public:
     explicit Reader(const QString& file) {
-        sqlite3* opened = nullptr;
-        const int code = sqlite3_open_v2(file.toUtf8().constData(), &opened, SQLITE_OPEN_READONLY, nullptr);
-        database_.reset(opened);
-        if (code != SQLITE_OK) database_.reset();
-        if (database_) sqlite3_busy_timeout(database_.get(), 50);
+        QProcess reader;
+        reader.start("sqlite3",
+                     {"-readonly", "-json", file, "SELECT key, CAST(value AS TEXT) AS value FROM defaults"});
+        if (!reader.waitForFinished()) return;
+        for (const QJsonValue row : QJsonDocument::fromJson(reader.readAllStandardOutput()).array()) {
+            // A bare string is JSON too, but no document.
+            const QByteArray text = '[' + row["value"].toString().toUtf8() + ']';
+            values_[row["key"].toString()] = QJsonDocument::fromJson(text).array().at(0);
+        }
     }
 
-    [[nodiscard]] QJsonValue value(const char* key) const {
-        sqlite3_stmt* prepared = nullptr;
-        if (!database_ || sqlite3_prepare_v2(database_.get(), "SELECT value FROM defaults WHERE key = ?", -1,
-                                             &prepared, nullptr) != SQLITE_OK)
-            return {};
-        const std::unique_ptr<sqlite3_stmt, Close> statement(prepared);
-        sqlite3_bind_text(prepared, 1, key, -1, SQLITE_STATIC);
-        if (sqlite3_step(prepared) != SQLITE_ROW) return {};
-        const auto* bytes = static_cast<const char*>(sqlite3_column_blob(prepared, 0));
-        const QByteArray text(bytes, sqlite3_column_bytes(prepared, 0));
-        // A bare string is JSON too, but no document.
-        return QJsonDocument::fromJson('[' + text + ']').array().at(0);
-    }
+    [[nodiscard]] QJsonValue value(const char* key) const { return values_.value(key); }
 
 private:
-    std::unique_ptr<sqlite3, Close> database_;
+    QHash<QString, QJsonValue> values_;
 };
 
 QList<QJsonObject> objects(const QJsonValue& list) {

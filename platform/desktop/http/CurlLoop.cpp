@@ -4,6 +4,7 @@
 #include "platform/UrlSession.h"
 #include "platform/desktop/http/CurlTransfer.h"
 #include "platform/desktop/system/DetachedThread.h"
+#include "platform/desktop/system/Origin.h"
 
 #include <algorithm>
 #include <string>
@@ -23,6 +24,7 @@ constexpr std::chrono::milliseconds kPatienceAtTheEnd{1000};
 constexpr long kKeptConnections = 64;
 
 CURLM* makeMulti() {
+    warnOfForeign("libcurl", reinterpret_cast<const void*>(&curl_multi_init));
     curl_global_init(CURL_GLOBAL_DEFAULT);
     auto* multi = curl_multi_init();
     curl_multi_setopt(multi, CURLMOPT_MAXCONNECTS, kKeptConnections);

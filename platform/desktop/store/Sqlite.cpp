@@ -1,5 +1,7 @@
 #include "platform/desktop/store/Sqlite.h"
 
+#include "platform/desktop/system/Origin.h"
+
 namespace velmora::platform::sqlite {
 
 namespace {
@@ -28,6 +30,10 @@ bool isDamage(Code code) {
 }
 
 Code open(const std::string& name, int flags, Connection& connection) {
+    [[maybe_unused]] static const bool isChecked = [] {
+        warnOfForeign("libsqlite3", reinterpret_cast<const void*>(&sqlite3_open_v2));
+        return true;
+    }();
     sqlite3* opened = nullptr;
     const auto code =
         sqlite3_open_v2(name.c_str(), &opened, flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
