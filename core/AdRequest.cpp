@@ -57,7 +57,7 @@ void AdRequest::onAnswer(const std::shared_ptr<VLSuggestionListDirectResponseMod
     // Nobody waits for it any more, and what the store holds is for the next one.
     if (callbacks_->isDropped()) return;
     remember(*answer);
-    if (platform::asBool(answer->selectDirectAdRandomly)) answer->shuffleSuggestions();
+    if (answer->isToBeShuffled()) answer->shuffleSuggestions();
     const auto suggestion = VelmoraManager::getMostSuitableAdInSuggestionList(answer);
     if (!suggestion) {
         VLLog("Suitable ad not found :(");
@@ -65,7 +65,7 @@ void AdRequest::onAnswer(const std::shared_ptr<VLSuggestionListDirectResponseMod
     }
     VLLog("Suitable ad found");
     suggestion->reportAdIsFilled();
-    if (!suggestion->creative || !suggestion->creative->ctaType) return callbacks_->noAdIsAvailable();
+    if (!suggestion->creative || !suggestion->creative->hasType()) return callbacks_->noAdIsAvailable();
 
     const auto cacheType = options_->getCacheTypeNumber();
     if (cacheType == VLCacheType::cached) return offerDownloaded(suggestion);
@@ -76,7 +76,7 @@ void AdRequest::onAnswer(const std::shared_ptr<VLSuggestionListDirectResponseMod
 void AdRequest::remember(const VLSuggestionListDirectResponseModel& answer) {
     // What the store gets is put together before it is asked to hold still.
     const auto states = finalStatesOf(answer);
-    const auto user = platform::asString(answer.velmoraUserId);
+    const auto user = answer.getUserId();
     platform::UserDefaults::standard().inOneTransaction([&] {
         VLDefaults::removeAllFinalStates();
         VLDefaults::setFinalStates(states);
@@ -100,7 +100,7 @@ void AdRequest::offerStreamed(const Suggestion& suggestion) const {
 
 void AdRequest::offerDownloaded(const Suggestion& suggestion) {
     VLLog("downloading video file");
-    const auto url = platform::asString(suggestion->creative->ctaUrl);
+    const auto url = suggestion->creative->getCtaUrl();
     const auto self = shared_from_this();
     VLInternetCacher::sharedCacher().getFileAsyncFromUrl(
         url, lastPieceOf(url),
@@ -137,11 +137,10 @@ std::shared_ptr<VelmoraAd> AdRequest::makeAd(const Suggestion& suggestion,
 }
 
 void AdRequest::armExpiry(const std::shared_ptr<VelmoraAd>& ad, const Suggestion& suggestion) const {
-    const auto& time = suggestion->expirationTimeInMillis;
-    if (!platform::isValid(time ? &*time : nullptr)) return;
-    const auto delay = std::chrono::milliseconds(platform::asInteger(time));
+    const auto limit = suggestion->getTimeLimit();
+    if (!limit) return;
     // Hours may pass: of the request no more is kept than this one callback.
-    platform::MainQueue::after(delay, [callbacks = callbacks_, ad] { callbacks->adExpires(ad); });
+    platform::MainQueue::after(*limit, [callbacks = callbacks_, ad] { callbacks->adExpires(ad); });
 }
 
 }  // namespace velmora

@@ -1,6 +1,7 @@
 #include "core/ShowBooks.h"
 
 #include "core/VelmoraManager.h"
+#include "model/Texts.h"
 #include "model/VLAdSuggestion.h"
 #include "model/VLDirectCreativeModel.h"
 #include "model/VLDoneAdSuggestion.h"
@@ -47,10 +48,9 @@ Rule ruleOf(TrackingEvent event) {
 }
 
 /// Nobody waits for the answer, and nothing is tried twice.
-void send(const Value& url) {
-    if (const auto text = platform::asString(url))
-        VLWebServices::callUrl(
-            *text, [](const auto&) {}, [](const VLClientError&) {});
+void send(const std::string& url) {
+    VLWebServices::callUrl(
+        url, [](const auto&) {}, [](const VLClientError&) {});
 }
 
 std::shared_ptr<VLVastTrackingData> trackersOf(const std::shared_ptr<VLAdSuggestion>& suggestion) {
@@ -70,12 +70,8 @@ void ShowBooks::tracked(TrackingEvent event) {
     if (!trackers_ || rule.trackers == nullptr) return;
     const auto& urls = ((*trackers_).*rule.trackers)();
     auto* const isReported = rule.isReported != nullptr ? &((*trackers_).*rule.isReported) : nullptr;
-    if (isReported != nullptr &&
-        (platform::asBool(isReported->get()) || (!urls && !rule.countsWithoutTrackers)))
-        return;
-    if (const auto* list = urls ? urls->if_array() : nullptr) {
-        for (const auto& url : *list) send(url);
-    }
+    if (isReported != nullptr && (isSet(*isReported) || (!urls && !rule.countsWithoutTrackers))) return;
+    for (const auto& url : textsOf(urls).value_or(std::vector<std::string>())) send(url);
     if (isReported != nullptr) isReported->set(Property(true));
 }
 
@@ -88,7 +84,7 @@ void ShowBooks::trackedProgress(std::size_t place) {
     auto left = *toCome;
     if (std::erase(left, entry) == 0) return;
     trackers_->progressTrackingUrls.set(makeList(std::move(left)));
-    if (entry->second) send(*entry->second);
+    if (const auto url = entry->getUrl()) send(*url);
 }
 
 void ShowBooks::doing() {
@@ -123,8 +119,7 @@ void ShowBooks::addDoneSuggestion(const ShowFigures& figures) const {
     const auto done = std::make_shared<VLDoneAdSuggestion>();
     done->suggestionId = suggestion_->suggestionId;
     done->callToActionId = suggestion_->callToActionId;
-    done->donePercentage = figures.donePercentage;
-    done->doneSeconds = figures.doneSeconds;
+    done->setFigures(figures);
     VLDefaults::addDoneAdSuggestion(done);
 }
 

@@ -9,7 +9,7 @@
 namespace velmora {
 
 void VLAdSuggestion::reportAdIsFilled() {
-    if (platform::asBool(filledReported.get())) return;
+    if (isSet(filledReported)) return;
     filledReported.set(Value(true));
     setAdIsFilled();
 }
@@ -19,7 +19,7 @@ void VLAdSuggestion::setAdIsFilled() const {
 }
 
 void VLAdSuggestion::reportAdIsDoing() {
-    if (platform::asBool(doingReported.get())) return;
+    if (isSet(doingReported)) return;
     doingReported.set(Value(true));
     setAdIsDoing();
 }
@@ -29,7 +29,7 @@ void VLAdSuggestion::setAdIsDoing() const {
 }
 
 void VLAdSuggestion::reportAdIsDoneWithFinalStates(const std::shared_ptr<VLFinalStatesModel>& finalStates) {
-    if (platform::asBool(doneReported.get())) return;
+    if (isSet(doneReported)) return;
     doneReported.set(Value(true));
     setAdIsDoneWithFinalStates(finalStates);
 }

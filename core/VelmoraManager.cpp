@@ -3,6 +3,7 @@
 #include "core/AdRequest.h"
 #include "core/ApplicationCalls.h"
 #include "core/RequestCallbacks.h"
+#include "device/VLBuildVariants.h"
 #include "model/VLSuggestionListDirectResponseModel.h"
 #include "platform/Immortal.h"
 #include "platform/MainQueue.h"
@@ -27,7 +28,7 @@ Callback& callback() {
 
 }  // namespace
 
-std::string VelmoraManager::sdkVersion() { return "3.0.0"; }
+std::string VelmoraManager::sdkVersion() { return VLBuildVariants::getVersion(); }
 
 void VelmoraManager::setAdShowFinishedCallback(OnAdShowFinished next) {
     auto shared = next ? std::make_shared<const OnAdShowFinished>(std::move(next)) : nullptr;

@@ -10,6 +10,8 @@ public:
     VLBuildVariants() = delete;
 
     [[nodiscard]] static std::string getDevelopmentPlatformName();
+    /// The library's version.
+    [[nodiscard]] static std::string getVersion();
 };
 
 }  // namespace velmora

@@ -15,6 +15,16 @@ public:
     /// user lets it be known. Any thread; waits 50 ms at most for services of the desktop.
     [[nodiscard]] static std::shared_ptr<VLUserExtraInfoModel> getInstance();
 
+    /// What a description says, which may itself be absent: a text, or what a format writes for it.
+    [[nodiscard]] static std::optional<std::string> textOf(const std::shared_ptr<VLUserExtraInfoModel>& info,
+                                                           Property VLUserExtraInfoModel::*property) {
+        return info ? platform::asString((*info).*property) : std::nullopt;
+    }
+    [[nodiscard]] static std::string formatted(const std::shared_ptr<VLUserExtraInfoModel>& info,
+                                               Property VLUserExtraInfoModel::*property) {
+        return platform::formatted(info ? (*info).*property : std::nullopt);
+    }
+
     Property imei;
     Property screenWidth;        ///< pixels; 0 without a screen
     Property screenHeight;       ///< pixels; 0 without a screen

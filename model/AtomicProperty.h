@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Mutex.h"
+#include "platform/Value.h"
 
 #include <utility>
 
@@ -28,5 +29,10 @@ private:
     mutable platform::Mutex mutex_;
     T value_ VELMORA_GUARDED_BY(mutex_){};
 };
+
+/// A flag of a record, as it stands there.
+[[nodiscard]] inline bool isSet(const AtomicProperty<platform::Property>& flag) {
+    return platform::asBool(flag.get());
+}
 
 }  // namespace velmora

@@ -51,6 +51,7 @@ public:
         : fields_(fields), listed_(listed) {}
 
     [[nodiscard]] Keys keys(const VLSerializedModel& model) const;
+    [[nodiscard]] std::span<const Field> fields() const noexcept { return fields_; }
     void write(const VLSerializedModel& model, const Keys& keys, RecordOutput& output) const;
     /// The same for the record's own keys.
     void write(const VLSerializedModel& model, RecordOutput& output) const;

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "platform/Value.h"
-
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
+#include <variant>
 
 namespace velmora {
 
@@ -20,10 +20,13 @@ enum class TrackingEvent {
     unmute,
 };
 
+/// Whole where they were counted, real where a player measured them: they are stored as they are.
+using Seconds = std::variant<std::int64_t, double>;
+
 /// What was seen of an ad that is over.
 struct ShowFigures {
-    platform::Property doneSeconds;
-    platform::Property donePercentage;
+    std::optional<Seconds> doneSeconds;
+    std::optional<std::int64_t> donePercentage;
     /// For the final state; absent when it is to stay as it is.
     std::optional<std::string> passedDuration;
 };

@@ -18,6 +18,12 @@ std::optional<std::string> VLAdSuggestion::getSuggestionId() const {
     return platform::asString(suggestionId);
 }
 
+std::optional<std::chrono::milliseconds> VLAdSuggestion::getTimeLimit() const {
+    const auto& time = expirationTimeInMillis;
+    if (!platform::isValid(time ? &*time : nullptr)) return std::nullopt;
+    return std::chrono::milliseconds(platform::asInteger(time));
+}
+
 std::shared_ptr<VLAdSuggestionFinalState>
 VLAdSuggestion::extractFinalStateWithInitialState(VLFinalState state) const {
     return std::make_shared<VLAdSuggestionFinalState>(suggestionId, state, Value(Dictionary()));

@@ -3,6 +3,7 @@
 #include "model/AtomicProperty.h"
 #include "model/VLSerializedModel.h"
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -47,6 +48,9 @@ public:
     /// A new final state of this suggestion, with empty extra information.
     [[nodiscard]] std::shared_ptr<VLAdSuggestionFinalState>
     extractFinalStateWithInitialState(VLFinalState state) const;
+
+    /// How long it is good for; absent without a limit.
+    [[nodiscard]] std::optional<std::chrono::milliseconds> getTimeLimit() const;
 
     Property callToActionId;
     Property suggestionId;

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace velmora {
 
@@ -24,6 +25,11 @@ public:
     void changeStateTo(VLFinalState state);
 
     [[nodiscard]] const Property& getSuggestionId() const { return suggestionId_; }
+
+    /// Whether it is that of one of these suggestions.
+    [[nodiscard]] bool isOfOneOf(const std::vector<std::string>& ids) const {
+        return platform::isOneOf(suggestionId_, ids);
+    }
 
     [[nodiscard]] const Property& getState() const { return state_; }
 

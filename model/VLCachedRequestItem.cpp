@@ -1,7 +1,7 @@
 #include "model/VLCachedRequestItem.h"
 
 #include "model/Schema.h"
-#include "net/VLClient.h"
+#include "model/Texts.h"
 
 #include <utility>
 
@@ -23,11 +23,17 @@ const Schema& VLCachedRequestItem::schema() const {
 }
 
 VLHttpRequestMethod VLCachedRequestItem::getHTTPRequestMode() const {
-    return VLClient::getHttpRequestMethodOfNumber(requestMode);
+    return httpRequestMethodOf(requestMode);
 }
 
 void VLCachedRequestItem::setHttpRequestMode(VLHttpRequestMethod method) {
-    requestMode = Value(VLClient::getNumberOfHttpRequestMethod(method));
+    requestMode = Value(numberOf(method));
+}
+
+std::string VLCachedRequestItem::urlText() const { return platform::asString(url).value_or(std::string()); }
+
+std::optional<std::vector<std::string>> VLCachedRequestItem::doneSuggestionIds() const {
+    return textsOf(callBackDoneSuggestionIds);
 }
 
 VLCallBackType VLCachedRequestItem::getCallBackTypeEnum() const {

@@ -4,6 +4,9 @@
 #include "model/VLSerializedModel.h"
 
 #include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace velmora {
 
@@ -34,6 +37,12 @@ public:
     [[nodiscard]] const Property& getCallBackFinalStateSuggestionIds() const {
         return callBackFinalStateSuggestionIds;
     }
+
+    void setUrl(const std::optional<std::string>& text) { url = platform::boxed(text); }
+    /// Empty for what is no text.
+    [[nodiscard]] std::string urlText() const;
+    /// Absent when there is no list.
+    [[nodiscard]] std::optional<std::vector<std::string>> doneSuggestionIds() const;
 
     /// GET for an absent or unknown number.
     [[nodiscard]] VLHttpRequestMethod getHTTPRequestMode() const;

@@ -31,8 +31,7 @@ VLCreativeType VLDirectCreativeModel::getCreativeTypeEnum() const {
 bool VLDirectCreativeModel::isSupported() const {
     switch (getCreativeTypeEnum()) {
     case VLCreativeType::rewardedVideo:
-    case VLCreativeType::video:
-        return action && ctaUrl && platform::equals(action->actionType, VLActionType::page);
+    case VLCreativeType::video: return action && ctaUrl && action->isPage();
     case VLCreativeType::banner: return ctaUrl.has_value();
     case VLCreativeType::unknown: break;
     }

@@ -36,6 +36,11 @@ public:
 
     [[nodiscard]] VLCreativeType getCtaType() const { return getCreativeTypeEnum(); }
 
+    /// Whether it says what it shows, known or not.
+    [[nodiscard]] bool hasType() const { return ctaType.has_value(); }
+    /// The video's or the page's; absent for what is no text.
+    [[nodiscard]] std::optional<std::string> getCtaUrl() const { return platform::asString(ctaUrl); }
+
     /// Whether this version can show it: a video needs a URL and an action of type 1, a banner a URL.
     [[nodiscard]] bool isSupported() const;
 

@@ -16,4 +16,12 @@ const Schema& VLDoneAdSuggestion::schema() const {
     return table;
 }
 
+void VLDoneAdSuggestion::setFigures(const ShowFigures& figures) {
+    donePercentage.reset();
+    doneSeconds.reset();
+    if (figures.donePercentage) donePercentage = Value(*figures.donePercentage);
+    if (figures.doneSeconds)
+        doneSeconds = std::visit([](auto seconds) { return Value(seconds); }, *figures.doneSeconds);
+}
+
 }  // namespace velmora

@@ -30,6 +30,10 @@ public:
     /// Drops what is not meant for this user or cannot be shown; the rest keeps its order.
     void removeUnnecessaryAds();
 
+    [[nodiscard]] bool isToBeShuffled() const { return platform::asBool(selectDirectAdRandomly); }
+    /// Absent for what is no text.
+    [[nodiscard]] std::optional<std::string> getUserId() const { return platform::asString(velmoraUserId); }
+
     AtomicProperty<ModelList<VLAdSuggestion>> suggestions;
     Property selectDirectAdRandomly;  ///< whether the order is to be shuffled
     Property serverSuggestedCacheType;

@@ -2,6 +2,7 @@
 
 #include "log/VLLog.h"
 #include "model/RecordOutput.h"
+#include "model/Texts.h"
 #include "model/VLTokenResponse.h"
 #include "net/VLRequestHeaders.h"
 #include "net/VLWebServices.h"
@@ -25,16 +26,7 @@ bool carriesBody(VLHttpRequestMethod method) {
 }
 
 std::string textOf(const VLCall& call) {
-    if (!call.params) return call.url;
-    std::string text = call.url + "?";
-    bool first = true;
-    for (const auto& param : *call.params) {
-        if (!first) text += '&';
-        first = false;
-        text.append(param.key().data(), param.key().size()).append(1, '=');
-        text += platform::description(param.value());
-    }
-    return text;
+    return call.params ? call.url + "?" + queryTextOf(*call.params) : call.url;
 }
 
 /// How much of a URL is its scheme and an address in brackets, which are no characters of a query.
@@ -163,21 +155,10 @@ std::string VLClient::getStringOfHttpRequestMethod(VLHttpRequestMethod method) {
     return "UNKNOWN";
 }
 
-std::int64_t VLClient::getNumberOfHttpRequestMethod(VLHttpRequestMethod method) {
-    switch (method) {
-    case VLHttpRequestMethod::get:
-    case VLHttpRequestMethod::post:
-    case VLHttpRequestMethod::put: return static_cast<std::int64_t>(method);
-    }
-    return static_cast<std::int64_t>(VLHttpRequestMethod::get);
-}
+std::int64_t VLClient::getNumberOfHttpRequestMethod(VLHttpRequestMethod method) { return numberOf(method); }
 
 VLHttpRequestMethod VLClient::getHttpRequestMethodOfNumber(const Property& number) {
-    for (const auto method :
-         {VLHttpRequestMethod::get, VLHttpRequestMethod::post, VLHttpRequestMethod::put}) {
-        if (platform::equals(number, static_cast<std::int64_t>(method))) return method;
-    }
-    return VLHttpRequestMethod::get;
+    return httpRequestMethodOf(number);
 }
 
 }  // namespace velmora

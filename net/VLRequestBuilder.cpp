@@ -24,7 +24,7 @@ Ids idsOf(const ModelList<VLDoneAdSuggestion>& suggestions) {
     Ids ids;
     if (!suggestions) return ids;
     for (const auto& suggestion : *suggestions) {
-        if (auto id = suggestion ? platform::asString(suggestion->suggestionId) : std::nullopt) {
+        if (auto id = suggestion ? suggestion->id() : std::nullopt) {
             ids.push_back(std::move(*id));
         }
     }
@@ -48,7 +48,7 @@ VLRequestBuilder VLRequestBuilder::createRequestForUrl(
     const std::optional<Ids>& withDoneSuggestionIds, const std::optional<Ids>& withFinalStateSuggestionIds) {
     VLRequestBuilder builder;
     builder.request = std::make_shared<VLCachedRequestItem>();
-    builder.request->url = platform::boxed(url);
+    builder.request->setUrl(url);
     builder.request->jsonParams = boxed(withJsonParams);
     builder.request->setHttpRequestMode(ofMethod);
     builder.request->setShouldIncludeCustomHeaders(true);

@@ -1,6 +1,5 @@
 #include "net/VLRequestHeaders.h"
 
-#include "core/VelmoraManager.h"
 #include "device/VLBuildVariants.h"
 #include "device/VLDeviceAppInfo.h"
 #include "platform/Bundle.h"
@@ -38,7 +37,7 @@ VLHeaders VLRequestHeaders::getHeaders() {
     const auto set = [&](const char* name, const std::optional<std::string>& value) {
         if (value) headers.emplace_back(name, *value);
     };
-    set("sdk-version", VelmoraManager::sdkVersion());
+    set("sdk-version", VLBuildVariants::getVersion());
     set("sdk-type", "video-sdk");
     set("dev-platform", VLBuildVariants::getDevelopmentPlatformName());
     set("developer-key", appKey);

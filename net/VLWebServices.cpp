@@ -26,17 +26,6 @@ VLClientSuccess asList(const VLSuccess<std::shared_ptr<VLSuggestionListDirectRes
     };
 }
 
-/// The texts of an array; absent when the property is not one.
-std::optional<std::vector<std::string>> textsOf(const Property& property) {
-    const auto* array = property ? property->if_array() : nullptr;
-    if (array == nullptr) return std::nullopt;
-    std::vector<std::string> texts;
-    for (const auto& element : *array) {
-        if (auto text = platform::asString(element)) texts.push_back(std::move(*text));
-    }
-    return texts;
-}
-
 std::optional<Dictionary> dictionaryIn(const Property& property) {
     const auto* dictionary = property ? property->if_object() : nullptr;
     return dictionary != nullptr ? std::optional(*dictionary) : std::nullopt;
@@ -50,7 +39,7 @@ std::optional<std::string> jsonOfDictionaryIn(const Property& property) {
 /// What a request of the queue removes from the store once the service has dealt with it. The final states go
 /// by the ids of the done suggestions too, not by ids of their own.
 std::function<void()> removalFor(const VLCachedRequestItem& item) {
-    const auto ids = textsOf(item.callBackDoneSuggestionIds);
+    const auto ids = item.doneSuggestionIds();
     switch (item.getCallBackTypeEnum()) {
     case VLCallBackType::rewardWithFinalStates:
         return [ids] {
@@ -151,7 +140,7 @@ void VLWebServices::callCachedRequest(const std::shared_ptr<VLCachedRequestItem>
         if (failure) failure(error);
     };
     callWebServiceOfMethod({.method = item->getHTTPRequestMode(),
-                            .url = platform::asString(item->getUrl()).value_or(std::string()),
+                            .url = item->urlText(),
                             .params = dictionaryIn(item->getInputs()),
                             .body = jsonOfDictionaryIn(item->getJsonParams()),
                             .includeCustomHeaders = item->shouldIncludeCustomHeaders(),

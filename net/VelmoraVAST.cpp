@@ -1,6 +1,6 @@
 #include <velmora/VelmoraVAST.h>
 
-#include "core/VelmoraManager.h"
+#include "device/VLBuildVariants.h"
 #include "device/VLDeviceAppInfo.h"
 #include "device/VLUserExtraInfoModel.h"
 #include "log/VLLog.h"
@@ -25,12 +25,6 @@ std::optional<std::string> textOf(int number, std::initializer_list<Name> names)
     return hasName ? std::optional(std::to_string(number)) : std::nullopt;
 }
 
-/// A value of the device's description, which may itself be absent.
-Property valueIn(const std::shared_ptr<VLUserExtraInfoModel>& info,
-                 Property VLUserExtraInfoModel::*property) {
-    return info ? (*info).*property : std::nullopt;
-}
-
 /// What the service is told in the query, without the headers.
 Dictionary parametersFor(const std::string& key, int type, int version) {
     using Info = VLUserExtraInfoModel;
@@ -44,18 +38,18 @@ Dictionary parametersFor(const std::string& key, int type, int version) {
     set("secretKey", key);
     set("targetPlatform", "2");
     set("osVersion", VLDeviceAppInfo::deviceOSVersion());
-    set("sdkVersion", VelmoraManager::sdkVersion());
+    set("sdkVersion", VLBuildVariants::getVersion());
     set("sdkType", "video-sdk");
     set("deviceModel", model);
     set("osId", VLDeviceAppInfo::deviceIdentifier());
     set("osAdvertisingId", VLDeviceAppInfo::advertisingIdentifier());
     set("vastVersion", textOf(version, {VLVastVersion::v2, VLVastVersion::v3}));
-    set("appVersion", platform::asString(valueIn(info, &Info::appVersion)));
-    set("deviceBrand", platform::asString(valueIn(info, &Info::deviceBrand)));
-    set("deviceLanguage", platform::asString(valueIn(info, &Info::deviceLanguage)));
-    set("deviceManufacturer", platform::asString(valueIn(info, &Info::deviceManufacturer)));
-    set("mcc", platform::formatted(valueIn(info, &Info::mcc)));
-    set("mnc", platform::formatted(valueIn(info, &Info::mnc)));
+    set("appVersion", Info::textOf(info, &Info::appVersion));
+    set("deviceBrand", Info::textOf(info, &Info::deviceBrand));
+    set("deviceLanguage", Info::textOf(info, &Info::deviceLanguage));
+    set("deviceManufacturer", Info::textOf(info, &Info::deviceManufacturer));
+    set("mcc", Info::formatted(info, &Info::mcc));
+    set("mnc", Info::formatted(info, &Info::mnc));
     // The service takes the model for all four.
     set("screenDensity", model);
     set("screenHeight", model);

@@ -7,8 +7,6 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <cstdint>
-#include <cstring>
 
 namespace velmora::platform {
 
@@ -23,31 +21,10 @@ constexpr auto kPlain = [] {
     return plain;
 }();
 
-/// Whether one of these eight bytes may not stand as it is.
-bool hasSpecial(const char* eight) {
-    constexpr std::uint64_t ones = 0x0101010101010101;
-    constexpr std::uint64_t highs = ones * 0x80;
-    const auto lowerThan = [](std::uint64_t bytes, std::uint64_t bound) {
-        return (bytes - ones * bound) & ~bytes;
-    };
-    std::uint64_t bytes = 0;
-    std::memcpy(&bytes, eight, 8);
-    const auto special = bytes | lowerThan(bytes, 0x20) | lowerThan(bytes ^ (ones * '"'), 1) |
-                         lowerThan(bytes ^ (ones * '\\'), 1);
-    return (special & highs) != 0;
-}
-
-/// Whether the whole text may stand as it is, which most texts may; eight bytes at a time, the last eight
-/// overlapping.
+/// Whether the whole text may stand as it is, which most texts may.
 bool isPlain(std::string_view text) {
-    const char* at = text.data();
-    const char* const end = at + text.size();
-    if (text.size() < 8)
-        return std::all_of(at, end, [](char c) { return kPlain[static_cast<unsigned char>(c)]; });
-    for (; end - at > 8; at += 8) {
-        if (hasSpecial(at)) return false;
-    }
-    return !hasSpecial(end - 8);
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return kPlain[static_cast<unsigned char>(c)]; });
 }
 
 /// The byte as it is escaped in a JSON string.

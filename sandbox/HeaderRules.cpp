@@ -53,7 +53,7 @@ bool exactly(const std::string& value, const Fields&) {
     return value == text;
 }
 
-constexpr char kVersion[] = "3.0.0";
+constexpr char kVersion[] = VELMORA_VERSION;
 constexpr char kType[] = "video-sdk";
 constexpr char kPlatform[] = "Xcode";
 constexpr char kSystem[] = "ios";
@@ -70,14 +70,14 @@ struct Rule {
 };
 
 constexpr Rule kIdentity[]{
-    {"sdk-version", Presence::required, "3.0.0", exactly<kVersion>},
-    {"sdk-type", Presence::required, "video-sdk", exactly<kType>},
-    {"dev-platform", Presence::required, "Xcode", exactly<kPlatform>},
+    {"sdk-version", Presence::required, kVersion, exactly<kVersion>},
+    {"sdk-type", Presence::required, kType, exactly<kType>},
+    {"dev-platform", Presence::required, kPlatform, exactly<kPlatform>},
     {"developer-key", Presence::required, "some text", anything},
     {"device-model", Presence::required, "some text", anything},
     {"device-imei", Presence::required,
      "device, application, checksum of the developer key and \"direct\" in one", fingerprint},
-    {"device-os", Presence::required, "ios", exactly<kSystem>},
+    {"device-os", Presence::required, kSystem, exactly<kSystem>},
     {"device-os-version", Presence::required, "some text", anything},
     {"device-client-date", Presence::required, "13 digits: milliseconds within ten minutes of now",
      recentMilliseconds},

@@ -9,7 +9,7 @@ namespace {
 constexpr int kRewardedVideo = 1;
 constexpr int kBanner = 2;
 constexpr int kVideo = 3;
-/// Neither of them is known to version 3.0.0 of the library.
+/// Neither of them is known to this version of the library.
 constexpr int kPlayable = 4;
 constexpr int kFormAfterVideo = 2;
 

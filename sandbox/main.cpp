@@ -24,6 +24,13 @@ struct Arguments {
     bool withParent = false;
 };
 
+std::string zonesInLines() {
+    std::string lines;
+    for (const auto& zone : allZones())
+        lines.append(zone.name).append("\t").append(zone.description).append("\n");
+    return lines;
+}
+
 std::string zonesInWords() {
     std::string words = "Zones:\n";
     for (const auto& zone : allZones()) {
@@ -48,6 +55,13 @@ std::optional<int> read(int count, char** words, Arguments& arguments) {
         ->check(CLI::ExistingDirectory);
     program.add_option("--http-port", options.httpPort, "Instead of a free port.")->check(ports);
     program.add_option("--https-port", options.httpsPort, "Instead of a free port.")->check(ports);
+    program.add_flag_callback(
+        "--zones",
+        [] {
+            std::cout << zonesInLines();
+            throw CLI::Success();
+        },
+        "Print a line for each zone, its name and what it is, and end.");
     program.add_flag("--plain", arguments.plain, "Print the API base over http.");
     program.add_option("--data", arguments.data,
                        "Where to put ca.pem, instead of a folder that goes with the program.");

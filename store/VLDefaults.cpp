@@ -194,9 +194,8 @@ void VLDefaults::removeFinalStatesByIds(const std::optional<std::vector<std::str
     defaults().inOneTransaction([&] {
         if (!defaults().hasKey(kFinalStates)) return;
         changeFinalStates([&](VLFinalStatesModel& states) {
-            std::erase_if(*states.getStates(), [&](const auto& state) {
-                return platform::isOneOf(state->getSuggestionId(), *suggestionIds);
-            });
+            std::erase_if(*states.getStates(),
+                          [&](const auto& state) { return state->isOfOneOf(*suggestionIds); });
         });
     });
 }

@@ -1,9 +1,9 @@
 #include "ui/ProgressOffset.h"
 
-#include "platform/Value.h"
-
 #include <algorithm>
+#include <charconv>
 #include <cstdint>
+#include <limits>
 #include <string_view>
 
 namespace velmora {
@@ -38,7 +38,10 @@ bool isProgressOffsetDue(const std::string& offset, float progress, float curren
     if (hasForm(offset, "00:00:00")) return currentTime > static_cast<double>(milliseconds(offset));
     const bool isPercentage =
         offset.size() > 1 && offset.back() == '%' && std::all_of(offset.begin(), offset.end() - 1, isDigit);
-    return isPercentage && progress > static_cast<double>(platform::asInteger(platform::Value(offset)));
+    if (!isPercentage) return false;
+    std::int64_t percent = std::numeric_limits<std::int64_t>::max();
+    std::from_chars(offset.data(), offset.data() + offset.size(), percent);
+    return progress > static_cast<double>(percent);
 }
 
 }  // namespace velmora

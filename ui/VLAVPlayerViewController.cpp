@@ -23,14 +23,14 @@ constexpr double kSecondsBetweenTicks = 0.25;
 
 /// Truncated, and 0 when it is no number.
 QString percentText(float percent) {
-    return QString::number(platform::asInteger(platform::Value(static_cast<double>(percent)))) + '%';
+    return QString::number(platform::saturated(static_cast<double>(percent))) + '%';
 }
 
 }  // namespace
 
 VLAVPlayerViewController::VLAVPlayerViewController(std::shared_ptr<VLAdShowOptions> options,
                                                    VLCreativeType forCreativeType)
-    : adShowOptions(std::move(options)), creativeType(static_cast<std::int64_t>(forCreativeType)) {}
+    : adShowOptions(std::move(options)), creativeType(forCreativeType) {}
 
 VLAVPlayerViewController::~VLAVPlayerViewController() = default;
 
@@ -197,7 +197,7 @@ void VLAVPlayerViewController::unmuteVideo() {
 
 void VLAVPlayerViewController::skipButtonClicked() { tell(&Delegate::vlOnVideoSkipped); }
 
-bool VLAVPlayerViewController::isVideoPlaying() const { return platform::asBool(isPlayerPlaying); }
+bool VLAVPlayerViewController::isVideoPlaying() const { return isPlayerPlaying; }
 
 void VLAVPlayerViewController::stopPlayback() {
     if (!player || !isVideoPlaying()) return;

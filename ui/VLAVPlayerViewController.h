@@ -29,7 +29,7 @@ class VLSimpleProgressView;
 /// Once its view is loaded it lives as long as its player, whose time observer holds it: whoever owns it
 /// resets `player` to be rid of both.
 ///
-/// The flags that are numbers read as false while they are absent. The subviews are made on first access,
+/// The subviews are made on first access,
 /// which loads the view, and belong to it.
 class VLAVPlayerViewController : public screen::ViewController, public screen::PlayerStatusObserver {
 public:
@@ -63,7 +63,7 @@ public:
     /// Whether it is hidden: the opposite of the name, which callers rely on.
     [[nodiscard]] bool isSkipButtonVisible();
     /// In seconds, not-a-number for an unknown one; absent before the first progress.
-    [[nodiscard]] const platform::Property& getVideoDuration() const { return videoDuration; }
+    [[nodiscard]] std::optional<double> getVideoDuration() const { return videoDuration; }
 
     /// Of the main screen, as the interface is turned.
     [[nodiscard]] static platform::ScreenSize screenSize();
@@ -82,11 +82,11 @@ public:
     std::optional<std::string> videoFilePath;  ///< when there is no URL; without both it fails
     std::weak_ptr<VLAVPlayerViewControllerDelegate> delegate;
     std::shared_ptr<VLAdShowOptions> adShowOptions;
-    platform::Property creativeType;
+    VLCreativeType creativeType;
     std::shared_ptr<screen::Player> player;
     QPointer<QWidget> avPlayerLayer;
-    platform::Property videoDuration;
-    platform::Property isPlayerPlaying;
+    std::optional<double> videoDuration;
+    bool isPlayerPlaying = false;
     bool playerDidFinishWithSuccess = false;
     std::optional<std::string> linkUrlString;  ///< nothing here reads it
 

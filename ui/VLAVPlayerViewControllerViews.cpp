@@ -23,8 +23,6 @@ namespace {
 constexpr int kMargin = 8;
 constexpr int kSide = 44;
 
-QColor grey() { return colorWithR(132, 133, 133, 1.0); }
-
 }  // namespace
 
 template <class View>
@@ -72,7 +70,6 @@ ImageButton* VLAVPlayerViewController::skipButton() {
 VLSimpleProgressView* VLAVPlayerViewController::progressView() {
     if (progressView_) return progressView_;
     auto* ring = subview(progressView_, QRect(0, 0, kSide, kSide));
-    ring->setTintColor(grey());
     ring->setProgress(0.0);
     ring->show();
     return ring;
@@ -106,7 +103,7 @@ void VLAVPlayerViewController::makeLayer() {
 
 void VLAVPlayerViewController::makeLabelAttributes() {
     auto attributes = VLTextAttributes::defaultTextAttributesWithFontSize(14.0);
-    attributes.setForegroundColor(grey());
+    attributes.setForegroundColor(progressView()->tintColor());
     attributes.setAlignment(TextAlignment::center);
     labelAttributes_ = attributes.attributes();
 }
@@ -124,7 +121,7 @@ void VLAVPlayerViewController::viewDidLayoutSubviews() {
     } else {
         exitButton()->raise();
     }
-    if (platform::equals(creativeType, VLCreativeType::rewardedVideo)) skipButton()->hide();
+    if (creativeType == VLCreativeType::rewardedVideo) skipButton()->hide();
     progressView()->raise();
     progressLabel()->raise();
     muteButton()->raise();

@@ -87,9 +87,9 @@ void VLAdShowUIController::initView() {
         videoView =
             std::make_shared<VLAVPlayerViewController>(showOptions, creative()->getCreativeTypeEnum());
         videoView->delegate = self();
-        webView = makePage(action() ? action()->actionUrl : std::nullopt);
+        webView = makePage(action() ? action()->getActionUrl() : std::nullopt);
     } else if (ad->isBannerAd()) {
-        webView = makePage(creative()->ctaUrl);
+        webView = makePage(creative()->getCtaUrl());
     }
 }
 
@@ -99,7 +99,7 @@ void VLAdShowUIController::startShowingVideoAsReplay(bool replay) {
     if (webView) webView->removeFromParentViewController();
     if (!replay && !videoPathOrUrl && requestOptions) chooseSource();
     const auto skip = creative() ? creative()->skipStartPercentage : nullptr;
-    if (skip && skip->skipStartPercentage) videoView->setSkipButtonVisible(true);
+    if (skip && skip->getStart()) videoView->setSkipButtonVisible(true);
     presentViewController(videoView, replay);
 }
 
@@ -107,7 +107,7 @@ void VLAdShowUIController::chooseSource() {
     // A player that gets none of them says that it could not load.
     const auto cacheType = requestOptions->getCacheTypeNumber();
     if (cacheType == VLCacheType::streamed && creative()) {
-        videoPathOrUrl = platform::asString(creative()->ctaUrl);
+        videoPathOrUrl = creative()->getCtaUrl();
         videoView->setUrlString(videoPathOrUrl);
     } else if (cacheType == VLCacheType::cached && tAd) {
         videoPathOrUrl = tAd->getVideoFilePath();
@@ -120,7 +120,7 @@ void VLAdShowUIController::startShowingBanner() {
 }
 
 void VLAdShowUIController::showWebView() {
-    presentViewController(makePage(action() ? action()->actionUrl : std::nullopt), true);
+    presentViewController(makePage(action() ? action()->getActionUrl() : std::nullopt), true);
 }
 
 void VLAdShowUIController::showActionWebView() {
@@ -128,21 +128,19 @@ void VLAdShowUIController::showActionWebView() {
     if (webView) presentViewController(webView, true);
 }
 
-bool VLAdShowUIController::isActionWebView() const {
-    return action() && platform::equals(action()->actionType, VLActionType::page);
-}
+bool VLAdShowUIController::isActionWebView() const { return action() && action()->isPage(); }
 
 void VLAdShowUIController::finishController() {
-    if (platform::asBool(isStateUpdated) && !platform::asBool(isVideoCompleted)) {
+    if (isStateUpdated && !isVideoCompleted) {
         isStateUpdated = false;
         saveFinalStates();
     }
     if (ad && tAd) {
         if (ad->isVideoAd() && videoView && videoView->isVideoPlaying()) videoView->stopPlayback();
-        if (!platform::asBool(adDoneRecorded)) onAdWasDone();
+        if (!adDoneRecorded) onAdWasDone();
     }
     // A banner never comes here, and a video that was told of at its end is told of again.
-    if (!platform::asBool(isResultReturned) && tAd && tAd->isVideoAd()) tellManager(isCompletedOrShownOnce());
+    if (!isResultReturned && tAd && tAd->isVideoAd()) tellManager(isCompletedOrShownOnce());
     dismissAll();
 }
 
@@ -159,8 +157,8 @@ void VLAdShowUIController::vlWebViewControllerWasDismissed() { VLLog("web view d
 void VLAdShowUIController::vlWebViewBridgeClose() { finishController(); }
 
 void VLAdShowUIController::vlWebViewBridgeDismiss() {
-    const bool isBanner = creative() && platform::equals(creative()->ctaType, VLCreativeType::banner);
-    if (!platform::asBool(adDoneRecorded) && isBanner) onAdWasDone();
+    const bool isBanner = creative() && creative()->getCreativeTypeEnum() == VLCreativeType::banner;
+    if (!adDoneRecorded && isBanner) onAdWasDone();
     finishController();
 }
 
@@ -182,28 +180,28 @@ void VLAdShowUIController::vlAVPlayerViewControllerDidReachEndOfVideoWithUrl(
     VLAVPlayerViewController& controller, const std::optional<std::string>& url) {
     VLLog("video view reach end url: %@", url);
     donePercentage = 100;
-    if (platform::asInteger(controller.getVideoDuration()) > 0) {
+    if (const auto length = controller.getVideoDuration(); length && platform::saturated(*length) > 0) {
         isVideoCompleted = true;
-        doneSeconds = controller.getVideoDuration();
-        if (!platform::asBool(isVideoShownOnce) && !platform::asBool(isResultReturned)) tellManager(true);
+        doneSeconds = *length;
+        if (!isVideoShownOnce && !isResultReturned) tellManager(true);
         isVideoShownOnce = true;
     } else {
         doneSeconds = kSecondsOfUnknownVideo;
     }
-    if (platform::asBool(isStateUpdated)) saveFinalStates();
-    if (!platform::asBool(adDoneRecorded)) onAdWasDone();
+    if (isStateUpdated) saveFinalStates();
+    if (!adDoneRecorded) onAdWasDone();
 }
 
 void VLAdShowUIController::vlAVPlayerViewControllerCouldNotLoadVideoWithUrl(
     VLAVPlayerViewController& controller, const std::optional<std::string>&) {
     couldNotLoad_ = true;
-    if (!platform::asBool(isResultReturned)) {
+    if (!isResultReturned) {
         isResultReturned = true;
         // A video that never had a length counts as completed.
-        const bool hasLength = platform::asDouble(controller.getVideoDuration()) > 0;
+        const bool hasLength = controller.getVideoDuration().value_or(0) > 0;
         tellManager(!hasLength || isCompletedOrShownOnce());
     }
-    if (platform::asBool(isStateUpdated)) {
+    if (isStateUpdated) {
         isStateUpdated = false;
         saveFinalStates();
     }
@@ -231,16 +229,14 @@ std::shared_ptr<VLVastTrackingData> VLAdShowUIController::trackingData() const {
     return creative() ? creative()->vastTrackingData : nullptr;
 }
 
-std::shared_ptr<VLWebViewController> VLAdShowUIController::makePage(const Property& url) {
+std::shared_ptr<VLWebViewController> VLAdShowUIController::makePage(const std::optional<std::string>& url) {
     auto page = std::make_shared<VLWebViewController>();
-    page->setUrlString(platform::asString(url));
+    page->setUrlString(url);
     page->delegate = self();
     return page;
 }
 
-bool VLAdShowUIController::isCompletedOrShownOnce() const {
-    return platform::asBool(isVideoCompleted) || platform::asBool(isVideoShownOnce);
-}
+bool VLAdShowUIController::isCompletedOrShownOnce() const { return isVideoCompleted || isVideoShownOnce; }
 
 void VLAdShowUIController::tellManager(bool completed) const { events_->finished(completed); }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/ShowEvents.h"
 #include "model/VLSerializedModel.h"
 #include "screen/ViewController.h"
 #include "ui/VLAVPlayerViewControllerDelegate.h"
@@ -13,7 +14,6 @@
 
 namespace velmora {
 
-class ShowEvents;
 class VLActionModel;
 class VLAdRequestOptions;
 class VLAdShowOptions;
@@ -28,8 +28,6 @@ class VelmoraAd;
 
 /// Shows one ad over the whole screen: the player or the page, what a page asks for, and the end, which it
 /// tells the manager. The half that reports lies in a file of its own. Main thread only; one for each show.
-///
-/// The flags are numbers that read as false while they are absent.
 class VLAdShowUIController final : public screen::ViewController,
                                    public VLWebViewControllerDelegate,
                                    public VLAVPlayerViewControllerDelegate {
@@ -106,22 +104,22 @@ public:
     std::shared_ptr<VLAVPlayerViewController> videoView;
     std::optional<std::string> videoPathOrUrl;
     std::shared_ptr<VLFinalStatesModel> finalStates;
-    Property videoDuration;  ///< the player's own counts: nothing here sets or reads this one
-    Property doneSeconds;
-    Property donePercentage;
-    Property isResultReturned;
-    Property isVideoShownOnce;
-    Property isVideoCompleted;
-    Property isStateUpdated;
-    Property adDoneRecorded;
-    Property webViewStartTime;  ///< milliseconds since 1970; nothing here sets it
+    std::optional<double> videoDuration;  ///< the player's own counts: nothing here sets or reads this one
+    std::optional<Seconds> doneSeconds;
+    std::optional<std::int64_t> donePercentage;
+    bool isResultReturned = false;
+    bool isVideoShownOnce = false;
+    bool isVideoCompleted = false;
+    bool isStateUpdated = false;
+    bool adDoneRecorded = false;
+    std::optional<std::int64_t> webViewStartTime;  ///< milliseconds since 1970; nothing here sets it
 
 private:
     [[nodiscard]] std::shared_ptr<VLAdShowUIController> self();
     [[nodiscard]] std::shared_ptr<VLDirectCreativeModel> creative() const;
     [[nodiscard]] std::shared_ptr<VLActionModel> action() const;
     [[nodiscard]] std::shared_ptr<VLVastTrackingData> trackingData() const;
-    [[nodiscard]] std::shared_ptr<VLWebViewController> makePage(const Property& url);
+    [[nodiscard]] std::shared_ptr<VLWebViewController> makePage(const std::optional<std::string>& url);
     [[nodiscard]] bool isCompletedOrShownOnce() const;
     void chooseSource();
     void tellManager(bool completed) const;
@@ -130,6 +128,8 @@ private:
 
     void sendDueOffsets(VLVastTrackingData& data, float progress, float currentTime);
     void setPassedDuration(const std::string& text);
+    /// Of the video, as far as the player has told it.
+    [[nodiscard]] std::optional<Seconds> length() const;
     /// The figures of what was seen; whether there is a last word of what has passed.
     bool sawVideo();
     bool sawPage();

@@ -62,7 +62,7 @@ void report(Show& show, const std::shared_ptr<Data>& data, const Tracker& tracke
     const auto& urls = ((*data).*tracker.urls)();
     if (tracker.isReported == nullptr) return (show.*tracker.send)(urls);
     auto& isReported = (*data).*tracker.isReported;
-    if (platform::asBool(isReported.get()) || (!urls && !tracker.countsWithoutUrls)) return;
+    if (isSet(isReported) || (!urls && !tracker.countsWithoutUrls)) return;
     (show.*tracker.send)(urls);
     // Whoever keeps the books has set it in the handle's own; this one may be a copy.
     isReported.set(Property(true));
@@ -129,18 +129,17 @@ void VLAdShowUIController::vlOnProgressUpdated(float progress, float currentTime
         }
         sendDueOffsets(*data, progress, currentTime);
     }
-    if (platform::asBool(isVideoShownOnce) || !ad) return;
-    doneSeconds = videoView ? videoView->getVideoDuration() : std::nullopt;
+    if (isVideoShownOnce || !ad) return;
+    doneSeconds = length();
     donePercentage = platform::saturated(progress);
     isStateUpdated = true;
-    setPassedDuration(platform::formatted(donePercentage));
+    setPassedDuration(std::to_string(*donePercentage));
 
     const auto skip = creative() ? creative()->skipStartPercentage : nullptr;
-    if (!skip || !skip->skipStartPercentage || !platform::equals(creative()->ctaType, VLCreativeType::banner))
-        return;
+    const auto from = skip ? skip->getStart() : std::nullopt;
+    if (!from || creative()->getCreativeTypeEnum() != VLCreativeType::banner) return;
     // The answer of the player's is the opposite of its name.
-    if (videoView && !videoView->isSkipButtonVisible() &&
-        progress > static_cast<float>(platform::asDouble(skip->skipStartPercentage)))
+    if (videoView && !videoView->isSkipButtonVisible() && progress > static_cast<float>(*from))
         videoView->setSkipButtonVisible(false);
 }
 
@@ -150,7 +149,7 @@ void VLAdShowUIController::sendDueOffsets(VLVastTrackingData& data, float progre
     std::vector<std::shared_ptr<VLProgressTrackerModel>> toCome;
     for (const auto& entry : *entries) {
         if (!entry || !entry->first) continue;
-        const auto offset = platform::asString(entry->first);
+        const auto offset = entry->getOffset();
         if (offset && isProgressOffsetDue(*offset, progress, currentTime)) {
             sendProgressVastReports(entry->second);
         } else {
@@ -186,9 +185,8 @@ void VLAdShowUIController::onAdWasDone() {
     if (couldNotLoad_) return;
     adDoneRecorded = true;
     ShowFigures figures;
-    if (const auto type = creative() ? creative()->ctaType : std::nullopt) {
-        const bool isVideo = platform::equals(type, VLCreativeType::video) ||
-                             platform::equals(type, VLCreativeType::rewardedVideo);
+    if (creative() && creative()->hasType()) {
+        const bool isVideo = ad->isVideoAd();
         if (isVideo ? sawVideo() : sawPage()) figures.passedDuration = passedDuration_;
         if (isVideo) report(*this, trackingData(), kComplete);
     }
@@ -197,9 +195,14 @@ void VLAdShowUIController::onAdWasDone() {
     events_->done(figures);
 }
 
+std::optional<Seconds> VLAdShowUIController::length() const {
+    const auto seconds = videoView ? videoView->getVideoDuration() : std::nullopt;
+    return seconds ? std::optional<Seconds>(*seconds) : std::nullopt;
+}
+
 bool VLAdShowUIController::sawVideo() {
     if (!isCompletedOrShownOnce()) return false;
-    doneSeconds = videoView ? videoView->getVideoDuration() : std::nullopt;
+    doneSeconds = length();
     donePercentage = 100;
     passedDuration_ = "100";
     return true;
@@ -210,7 +213,7 @@ bool VLAdShowUIController::sawPage() {
     doneSeconds =
         webViewStartTime ? std::min(platform::nowInMilliseconds(), kMostSecondsOfPage) : kSecondsOfPage;
     donePercentage = 100;
-    passedDuration_ = platform::formatted(donePercentage);
+    passedDuration_ = std::to_string(*donePercentage);
     return true;
 }
 

@@ -189,7 +189,7 @@ public:
     /// replaces it, or by the main queue when it is being called there; the last one never.
     static void setAdShowFinishedCallback(OnAdShowFinished callback);
 
-    /// The library's version, "3.0.0".
+    /// The library's version, such as "3.0.0".
     [[nodiscard]] static std::string getVersion();
 
 private:

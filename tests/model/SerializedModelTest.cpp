@@ -1,9 +1,11 @@
 #include "model/VLSerializedModel.h"
 
+#include "model/Schema.h"
 #include "support/AllRecords.h"
 #include "support/Records.h"
 
 #include <initializer_list>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -13,16 +15,47 @@ namespace velmora::test {
 
 namespace {
 
+/// Where two values differ: a line for each, with its keys from the outside in.
+std::string differences(const Value& one, const Value& other, const std::string& path = "") {
+    if (!one.is_object() || !other.is_object()) {
+        return one == other ? ""
+                            : path + ": " + platform::description(one) + ", not " +
+                                  platform::description(other) + "\n";
+    }
+    std::string lines;
+    for (const auto& [key, value] : one.as_object()) {
+        const auto inner = path + "/" + std::string(key);
+        const auto* same = other.as_object().if_contains(key);
+        lines += same != nullptr ? differences(value, *same, inner) : inner + ": not wanted\n";
+    }
+    for (const auto& [key, value] : other.as_object()) {
+        if (!one.as_object().contains(key)) lines += path + "/" + std::string(key) + ": is missing\n";
+    }
+    return lines;
+}
+
+/// Those of the record's table.
+template <class Record>
+std::set<std::string> keysOf() {
+    std::set<std::string> keys;
+    const auto record = recordFrom<Record>(nullptr);
+    const VLSerializedModel& base = asRecord(*record);
+    for (const auto& field : base.schema().fields()) keys.emplace(field.key);
+    return keys;
+}
+
 /// What a record writes of `full`, a dictionary with every key that survives reading, and what it writes
 /// after nothing was read.
 template <class Record>
 void expectRecord(const std::string& full, const std::string& empty) {
-    SCOPED_TRACE(full);
     auto input = valueOf(full);
+    std::set<std::string> keys;
+    for (const auto& entry : input.as_object()) keys.emplace(entry.key());
+    EXPECT_EQ(keys, keysOf<Record>()) << "a field that this test leaves out";
     for (const char* key : {"", "unknown", "keys", "states_"}) input.as_object()[key] = 1;
-    EXPECT_EQ(written(*recordFrom<Record>(&input.as_object())), valueOf(full));
-    EXPECT_EQ(written(*recordFrom<Record>(nullptr)), valueOf(empty));
-    EXPECT_EQ(written(*read<Record>("{}")), valueOf(empty));
+    EXPECT_EQ(differences(written(*recordFrom<Record>(&input.as_object())), valueOf(full)), "");
+    EXPECT_EQ(differences(written(*recordFrom<Record>(nullptr)), valueOf(empty)), "");
+    EXPECT_EQ(differences(written(*read<Record>("{}")), valueOf(empty)), "");
 }
 
 TEST(SerializedModel, EveryRecordWritesWhatItKnowsOfTheDictionaryThatItRead) {

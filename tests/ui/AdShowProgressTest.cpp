@@ -143,7 +143,7 @@ TEST_F(AdShow, FiguresComeFromTheFirstTickOnAndOnlyUntilTheFirstEnd) {
     EXPECT_EQ(states(), "before=2 s=3 behind=2");
     tick({0});
     EXPECT_EQ(states(), "before=2 s=3/0 behind=2");
-    EXPECT_EQ(shown()->doneSeconds, Property(8.0));
+    EXPECT_EQ(shown()->doneSeconds, Seconds(8.0));
     tick({7.99});
     EXPECT_EQ(states(), "before=2 s=3/0 behind=2");
     tick({8});
@@ -152,7 +152,7 @@ TEST_F(AdShow, FiguresComeFromTheFirstTickOnAndOnlyUntilTheFirstEnd) {
     replay();
     tick({1});
     EXPECT_EQ(states(), "before=2 s=3/100 behind=2");
-    EXPECT_EQ(shown()->donePercentage, Property(100));
+    EXPECT_EQ(shown()->donePercentage, 100);
     EXPECT_FALSE(shown()->videoDuration) << "the player has its own";
     EXPECT_EQ(shown()->spinner, nullptr) << "the player has its own";
 }

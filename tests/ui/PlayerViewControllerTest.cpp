@@ -388,7 +388,7 @@ TEST_F(PlayerController, ATickIsToldBeforeItIsShownAndKeepsTheFirstDuration) {
     told_->onCall = [&](const std::string&) { shown.push_back(controller.progressView()->progress()); };
     player().tick(0);
     EXPECT_EQ(controller.progressLabel()->text(), "0%");
-    EXPECT_EQ(platform::asDouble(controller.getVideoDuration()), 8);
+    EXPECT_EQ(controller.getVideoDuration().value_or(0), 8);
     player().pass(3.99);
     player().length = 16;
     player().tick(15.9999);
@@ -398,7 +398,7 @@ TEST_F(PlayerController, ATickIsToldBeforeItIsShownAndKeepsTheFirstDuration) {
     EXPECT_THAT(told_->calls, ElementsAre("progress 0 at 0", "progress 0.46875 at 3.75",
                                           "progress 0.999994 at 15.9999", "progress 1.25 at 20"));
     EXPECT_THAT(shown, ElementsAre(0, 0, 0.46875, static_cast<double>(15.9999F / 16)));
-    EXPECT_EQ(platform::asDouble(controller.getVideoDuration()), 8);
+    EXPECT_EQ(controller.getVideoDuration().value_or(0), 8);
     EXPECT_EQ(controller.progressLabel()->attributes().foregroundColor, QColor(132, 133, 133));
     EXPECT_EQ(controller.progressLabel()->attributes().paragraphStyle->alignment, TextAlignment::center);
 }
@@ -406,7 +406,7 @@ TEST_F(PlayerController, ATickIsToldBeforeItIsShownAndKeepsTheFirstDuration) {
 TEST_F(PlayerController, AnUnknownDurationIsToldAsItIsAndShownAsNothing) {
     auto& controller = load();
     player().tick(1);
-    EXPECT_TRUE(std::isnan(platform::asDouble(controller.getVideoDuration())));
+    EXPECT_TRUE(std::isnan(controller.getVideoDuration().value_or(0)));
     EXPECT_EQ(controller.progressLabel()->text(), "0%");
     EXPECT_THAT(told_->calls, ElementsAre(testing::MatchesRegex("progress -?nan at 1")));
     player().length = 0;
