@@ -1,50 +1,19 @@
+#include "support/Program.h"
 #include "harness/TemporaryDirectory.h"
 #include "support/Exchange.h"
 
 #include <csignal>
-#include <cstdio>
 #include <filesystem>
 
 #include <gmock/gmock.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace velmora::test {
 
 namespace {
 
-/// The program under a shell, whose process it takes over.
-class Program {
-public:
-    explicit Program(const std::string& options)
-        : output_(::popen(("echo $$; exec " VELMORA_SANDBOX_PROGRAM " " + options + " 2>&1").c_str(), "r")) {
-        process_ = std::stoi(line());
-    }
-
-    std::string line() {
-        std::string text(4096, '\0');
-        if (std::fgets(text.data(), static_cast<int>(text.size()), output_) == nullptr) return "";
-        return text.substr(0, text.find('\n'));
-    }
-
-    void signal(int number) const { ::kill(process_, number); }
-
-    /// The status that it ends with.
-    int wait() {
-        while (!line().empty()) {
-        }
-        const int status = ::pclose(output_);
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-
-private:
-    std::FILE* output_;
-    pid_t process_ = 0;
-};
-
 TEST(SandboxProgram, SaysWhereItIsServesAndTidiesUp) {
     for (const int number : {SIGTERM, SIGINT}) {
-        Program program("");
+        RunningProgram program({VELMORA_SANDBOX_PROGRAM});
         const auto says = boost::json::parse(program.line());
         const std::string authority(says.at("ca").as_string());
         const std::string api(says.at("api").as_string());
@@ -60,7 +29,8 @@ TEST(SandboxProgram, SaysWhereItIsServesAndTidiesUp) {
 
 TEST(SandboxProgram, TakesItsOptions) {
     const TemporaryDirectory folder;
-    Program program("--plain --token-seconds 0 --data " + (folder / "new").string());
+    RunningProgram program(
+        {VELMORA_SANDBOX_PROGRAM, "--plain", "--token-seconds", "0", "--data", folder / "new"});
     const auto says = boost::json::parse(program.line());
     EXPECT_THAT(std::string(says.at("api").as_string()), testing::StartsWith("http://127.0.0.1:"));
     program.signal(SIGTERM);
@@ -70,14 +40,11 @@ TEST(SandboxProgram, TakesItsOptions) {
 
 TEST(SandboxProgram, EndsWithItsParentWhenAskedTo) {
     // The shell between hands on one line and dies; what is left of its output ends with the program.
-    auto* output = ::popen("bash -c 'exec 3< <(exec " VELMORA_SANDBOX_PROGRAM
-                           " --plain --with-parent); read -r line <&3; echo \"$line\"' 2>&1",
-                           "r");
-    std::string line(4096, '\0');
-    ASSERT_NE(std::fgets(line.data(), static_cast<int>(line.size()), output), nullptr);
-    const auto says = boost::json::parse(line.substr(0, line.find('\n')));
-    EXPECT_EQ(std::fgets(line.data(), static_cast<int>(line.size()), output), nullptr);
-    ::pclose(output);
+    RunningProgram shell({"bash", "-c",
+                          "exec 2>&1 3< <(exec " VELMORA_SANDBOX_PROGRAM
+                          " --plain --with-parent); read -r line <&3; echo \"$line\""});
+    const auto says = boost::json::parse(shell.line());
+    EXPECT_EQ(shell.line(), "");
     EXPECT_EQ(ask({.url = std::string(says.at("inspector").as_string())}).status, 0);
 }
 

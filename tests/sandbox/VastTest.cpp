@@ -8,13 +8,12 @@
 #include "support/Environment.h"
 #include "support/Exchange.h"
 #include "support/LastEntry.h"
+#include "support/Program.h"
 
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include <gmock/gmock.h>
-#include <sys/wait.h>
 
 namespace velmora::test {
 
@@ -32,11 +31,10 @@ bool isValid(const std::string& document, int version) {
     const auto file = (folder / "vast.xml").string();
     writeContent(file, document);
     const auto schema = std::string(VELMORA_SCHEMAS) + "/vast" + std::to_string(version) + ".xsd";
-    const int status =
-        std::system(("xmllint --noout --schema \"" + schema + "\" \"" + file + "\" 2>&1").c_str());
+    const auto ended = runProgram({"xmllint", "--noout", "--schema", schema, file});
     // 3 says that it was read, and is not valid.
-    EXPECT_THAT((std::vector{0, 3}), Contains(WEXITSTATUS(status))) << document;
-    return status == 0;
+    EXPECT_THAT((std::vector{0, 3}), Contains(ended.status)) << document << ended.errors;
+    return ended.status == 0;
 }
 
 std::string replaced(std::string text, const std::string& part, const std::string& other) {

@@ -2,13 +2,12 @@
 
 #include "harness/TemporaryDirectory.h"
 #include "support/Environment.h"
+#include "support/Program.h"
+#include "support/Records.h"
 
 #include <optional>
 #include <string>
 
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QProcess>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -20,24 +19,16 @@ namespace velmora::test {
 class SystemServices {
 public:
     /// Such as `{"modemmanager": {}, "geoclue": {"level": 0}}`.
-    explicit SystemServices(const std::string& services) {
-        process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        process_.start(VELMORA_SYSTEM_SERVICES, {QString::fromStdString(services)});
-        EXPECT_TRUE(process_.waitForReadyRead(60'000)) << process_.errorString().toStdString();
-        const auto said = QJsonDocument::fromJson(process_.readLine()).object();
-        address_.emplace("DBUS_SYSTEM_BUS_ADDRESS", said["bus"].toString().toStdString().c_str());
+    explicit SystemServices(const std::string& services) : program_({VELMORA_SYSTEM_SERVICES, services}) {
+        const auto said = program_.line();
+        EXPECT_NE(said, "") << "no system bus could be started";
+        if (!said.empty())
+            address_.emplace("DBUS_SYSTEM_BUS_ADDRESS", valueOf(said).at("bus").as_string().c_str());
     }
-
-    ~SystemServices() {
-        process_.closeWriteChannel();
-        process_.waitForFinished();
-    }
-
-    SystemServices(const SystemServices&) = delete;
-    SystemServices& operator=(const SystemServices&) = delete;
 
 private:
-    QProcess process_;
+    /// It ends when its input does.
+    RunningProgram program_;
     std::optional<Environment> address_;
 };
 
