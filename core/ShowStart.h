@@ -9,7 +9,8 @@ class VLAdShowOptions;
 class VLAdSuggestion;
 class VelmoraAd;
 
-/// What begins the show of an ad. What shows says what that is, so that the library has none of it in itself.
+/// What begins the show of an ad, and what ends all of them. What shows says what that is, so that the
+/// library has none of it in itself.
 class ShowStart {
 public:
     /// Begins on a thread of its own and returns before that. `suggestion` is that of the handle, null where
@@ -21,10 +22,14 @@ public:
 
     ShowStart() = delete;
 
-    static void set(Function function) noexcept;
+    /// Both are called on any thread.
+    static void set(Function function, void (*endAll)()) noexcept;
 
     /// Null where nothing can show.
     [[nodiscard]] static Function get() noexcept;
+
+    /// Ends what is shown, without finishing it, and returns before that.
+    static void endAll() noexcept;
 };
 
 }  // namespace velmora

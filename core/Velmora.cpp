@@ -2,6 +2,7 @@
 
 #include "core/ApplicationCalls.h"
 #include "core/RequestCallbacks.h"
+#include "core/ShowStart.h"
 #include "core/VelmoraManager.h"
 #include "log/VLLog.h"
 #include "platform/CallOut.h"
@@ -130,6 +131,7 @@ void Velmora::shutDown() {
     platform::MainQueue::close();
     ApplicationCalls::close(deadline);
     RequestCallbacks::dropAll();
+    ShowStart::endAll();
     VelmoraManager::setAdShowFinishedCallback({});
     platform::UrlSession::shared().cancelAll();
 }

@@ -65,8 +65,8 @@ public:
     }
 
     /// Ends what the library does for this application, until it is initialised again: requests are
-    /// cancelled, downloads with them, and from its return on no callback is called. Trackers that are on
-    /// their way go on.
+    /// cancelled, downloads with them, what is shown goes from the screen, and from its return on no callback
+    /// is called. Trackers that are on their way go on.
     ///
     /// Waits for a callback that runs on another thread, a second at most; called from inside a callback it
     /// does not wait for that one. On the thread where the main queue last ran, what waits there is told

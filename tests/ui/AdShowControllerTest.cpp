@@ -129,6 +129,19 @@ TEST_F(AdShow, OneThatIsToldToEndBeforeItsTurnEndsAndNothingElse) {
     controller_ = first;
 }
 
+TEST_F(AdShow, ALibraryThatIsShutDownTakesItFromTheScreenAndTellsNobody) {
+    playVideo({1});
+    const std::weak_ptr<VLAdShowUIController> running = shown();
+    Velmora::shutDown();
+    rest();
+    EXPECT_EQ(inFront(), nullptr);
+    EXPECT_TRUE(running.expired());
+    EXPECT_EQ(told(), "");
+    Velmora::initializeWithAppKey("key");
+    show(ready("t", video()));
+    EXPECT_NE(inFront(), nullptr);
+}
+
 // An application often shows its next ad when it is told of the end of one.
 TEST_F(AdShow, TheNextAdThatIsShownFromTheCallbackStays) {
     const std::pair<const char*, std::function<void()>> kEndings[] = {
