@@ -28,12 +28,11 @@ SandboxLedger::SandboxLedger(const QString& inspector, QObject* parent)
     network_.setProxy(QNetworkProxy::NoProxy);
     pause_.setSingleShot(true);
     connect(&pause_, &QTimer::timeout, this, &SandboxLedger::fetch);
-    sinceAnswer_.start();
     fetch();
 }
 
 bool SandboxLedger::isLost() const {
-    return isKnown() && std::chrono::milliseconds(sinceAnswer_.elapsed()) > kPatience;
+    return sinceFailure_.isValid() && std::chrono::milliseconds(sinceFailure_.elapsed()) > kPatience;
 }
 
 void SandboxLedger::fetch() {
@@ -42,7 +41,12 @@ void SandboxLedger::fetch() {
     auto* reply = network_.get(request);
     connect(reply, &QNetworkReply::finished, this, [this, reply] {
         reply->deleteLater();
-        if (reply->error() == QNetworkReply::NoError) take(reply->readAll());
+        if (reply->error() == QNetworkReply::NoError) {
+            take(reply->readAll());
+        } else if (!sinceFailure_.isValid()) {
+            // From the first one on, and not from the last answer: this program may have been busy itself.
+            sinceFailure_.start();
+        }
         pause_.start(kPause);
     });
 }
@@ -50,7 +54,7 @@ void SandboxLedger::fetch() {
 void SandboxLedger::take(const QByteArray& answer) {
     const auto ledger = QJsonDocument::fromJson(answer).object();
     if (ledger.isEmpty()) return;
-    sinceAnswer_.restart();
+    sinceFailure_.invalidate();
     problems_ = ledger["problems"].toInt();
     for (const auto entry : ledger["entries"].toArray()) entries_.append(entry.toObject());
     last_ = std::max(last_, ledger["last"].toInteger());

@@ -35,7 +35,7 @@ private:
     const QString inspector_;
     QNetworkAccessManager network_;
     QTimer pause_;
-    QElapsedTimer sinceAnswer_;
+    QElapsedTimer sinceFailure_;
     QList<QJsonObject> entries_;
     qint64 last_ = 0;
     int problems_ = 0;
