@@ -119,21 +119,24 @@ TEST_F(ShutDown, ACallbackOnAnotherThreadIsWaitedForForASecondAtMost) {
     for (const bool ends : {true, false}) {
         SCOPED_TRACE(ends);
         Velmora::initializeWithAppKey("key");
-        Await<bool> begun;
-        Await<bool> mayEnd;
-        std::atomic<bool> hasEnded = false;
-        request([&] {
-            begun.add(true);
-            EXPECT_TRUE(mayEnd.count(1));
-            hasEnded = true;
+        struct Callback {
+            Await<bool> begun;
+            Await<bool> mayEnd;
+            std::atomic<bool> hasEnded = false;
+        };
+        const auto callback = std::make_shared<Callback>();
+        request([callback] {
+            callback->begun.add(true);
+            EXPECT_TRUE(callback->mayEnd.count(1));
+            callback->hasEnded = true;
         });
-        ASSERT_TRUE(begun.count(1));
+        ASSERT_TRUE(callback->begun.count(1));
         std::thread other([&] {
             std::this_thread::sleep_for(ends ? 100ms : 1500ms);
-            mayEnd.add(true);
+            callback->mayEnd.add(true);
         });
         Velmora::shutDown();
-        EXPECT_EQ(hasEnded, ends);
+        EXPECT_EQ(callback->hasEnded, ends);
         other.join();
         EXPECT_TRUE(becomes([&] { return held_.use_count() == 1; }));
     }

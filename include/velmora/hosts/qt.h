@@ -2,6 +2,7 @@
 
 /// For applications of Qt: callbacks on the thread of the application object. Needs Qt Core.
 
+#include <deque>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -35,7 +36,10 @@ public:
     void post(std::function<void()> work) {
         const std::lock_guard<std::mutex> lock(mutex_);
         // Without an application object nothing is called; what waits stays with the library.
-        if (object_) QMetaObject::invokeMethod(object_.get(), std::move(work), Qt::QueuedConnection);
+        if (!object_) return;
+        work_.push_back(std::move(work));
+        QMetaObject::invokeMethod(
+            object_.get(), [] { instance().runNext(); }, Qt::QueuedConnection);
     }
 
 private:
@@ -44,8 +48,20 @@ private:
         object_.swap(object);
     }
 
+    void runNext() {
+        std::function<void()> work;
+        {
+            const std::lock_guard<std::mutex> lock(mutex_);
+            if (work_.empty()) return;
+            work = std::move(work_.front());
+            work_.pop_front();
+        }
+        work();
+    }
+
     std::mutex mutex_;
     std::unique_ptr<QObject> object_;
+    std::deque<std::function<void()>> work_;
 };
 
 }  // namespace qt
