@@ -82,15 +82,15 @@ constexpr Rule kIdentity[]{
     {"device-client-date", Presence::required, "13 digits: milliseconds within ten minutes of now",
      recentMilliseconds},
     {"app-package-name", Presence::required, "some text", anything},
-    {"secret-token", Presence::required, "480726", exactly<kSecret>},
+    {"secret-token", Presence::required, kSecret, exactly<kSecret>},
     {"t-user-id", Presence::optional, "some text", anything},
     {"authorization", Presence::optional, "\"bearer\", one blank and the token", bearer},
     {"customer-user-id", Presence::optional, "some text", anything},
 };
 
 constexpr Rule kExchange[]{
-    {"content-type", Presence::required, "application/json", exactly<kJson>},
-    {"accept", Presence::required, "application/json", exactly<kJson>},
+    {"content-type", Presence::required, kJson, exactly<kJson>},
+    {"accept", Presence::required, kJson, exactly<kJson>},
 };
 
 std::vector<std::string> problemsBy(std::span<const Rule> rules, const Fields& headers) {
