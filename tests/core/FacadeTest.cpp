@@ -1,10 +1,12 @@
 #include "core/VelmoraManager.h"
+#include "harness/TemporaryDirectory.h"
 #include "log/VLLog.h"
 #include "store/VLDefaults.h"
 #include "support/ApplicationStore.h"
 #include "support/Environment.h"
 #include "support/HeldStore.h"
 #include "support/LogCapture.h"
+#include "support/Program.h"
 #include "support/Threads.h"
 
 #include <algorithm>
@@ -134,20 +136,14 @@ TEST_F(Facade, SettingTheDebugModeLeavesTheLoggingOfThisProcessAsItIs) {
 }
 
 TEST(FacadeInAFreshProcess, LoggingIsAsTheStoreHasItUntilTheEnd) {
-    if (testing::UnitTest::GetInstance()->test_to_run_count() > 1)
-        GTEST_SKIP() << "The log switch of a process is set once: this test needs a process of its own";
     for (const bool isStored : {true, false}) {
-        Process process([&] {
-            ApplicationStore::emptied();
-            if (isStored) VLDefaults::setDebugMode(true);
-            const LogCapture log;
-            VLLog("first");
-            Velmora::setDebugMode(!isStored);
-            VLLog("second");
-            EXPECT_EQ(log.lines(), isStored ? (Lines{"first", "second"}) : Lines{});
-            EXPECT_EQ(Velmora::isDebugMode(), !isStored);
-        });
-        EXPECT_TRUE(process.succeeded());
+        const TemporaryDirectory data;
+        std::vector<std::string> words{VELMORA_LOGGER};
+        if (isStored) words.emplace_back("on");
+        const auto ended = runProgram(words, {{"XDG_DATA_HOME", data.path()}});
+        for (const char* line : {"first\n", "second\n"})
+            EXPECT_EQ(ended.errors.find(line) != std::string::npos, isStored) << ended.errors;
+        EXPECT_EQ(ended.output, isStored ? "off" : "on");
     }
 }
 

@@ -5,7 +5,7 @@
 #include "platform/UserDefaults.h"
 #include "support/FullDisk.h"
 #include "support/LogCapture.h"
-#include "support/Process.h"
+#include "support/Program.h"
 #include "support/StoreFiles.h"
 #include "support/Threads.h"
 
@@ -28,6 +28,28 @@ using platform::UserDefaults;
 using platform::Value;
 using testing::IsEmpty;
 using testing::SizeIs;
+
+/// Root, who may write everywhere, is somebody else as long as this lives.
+class Nobody {
+public:
+    Nobody() {
+        if (wasRoot_) become(kNobody);
+    }
+
+    ~Nobody() {
+        if (wasRoot_) become(0);
+    }
+
+    Nobody(const Nobody&) = delete;
+    Nobody& operator=(const Nobody&) = delete;
+
+private:
+    static constexpr uid_t kNobody = 65534;
+
+    static void become(uid_t user) { EXPECT_EQ(::setresuid(user, user, 0), 0); }
+
+    const bool wasRoot_ = ::geteuid() == 0;
+};
 
 class DamagedStoreTest : public testing::Test {
 protected:
@@ -144,17 +166,16 @@ TEST_F(DamagedStoreTest, ProcessesThatFindTheDamageAtOnceMendItOnce) {
         const TemporaryDirectory folder;
         const auto file = folder / "defaults.sqlite3";
         writeContent(file, "no database");
-        Pipe start;
-        std::list<Process> processes;
-        for (int i = 0; i < 4; ++i) {
-            processes.emplace_back([&] {
-                start.closeWriting();
-                (void)start.read();
-                UserDefaults(file).setObject(i, numbered(i));
-            });
+        std::list<RunningProgram> programs;
+        for (int i = 0; i < 4; ++i)
+            programs.emplace_back(
+                std::vector<std::string>{VELMORA_KEEPER, file, "range", std::to_string(i), "1"});
+        for (auto& program : programs) EXPECT_EQ(program.line(), "ready");
+        for (auto& program : programs) program.say("go");
+        for (auto& program : programs) {
+            EXPECT_NE(program.line(), "");
+            EXPECT_EQ(program.wait(), 0);
         }
-        start.closeWriting();
-        for (auto& process : processes) EXPECT_TRUE(process.succeeded());
 
         UserDefaults defaults(file);
         for (int i = 0; i < 4; ++i) EXPECT_EQ(defaults.objectForKey(numbered(i)), Value(i));
@@ -178,8 +199,6 @@ TEST_F(DamagedStoreTest, ATableOfOtherColumnsIsReplaced) {
 }
 
 TEST_F(DamagedStoreTest, ValuesStayReadableWhereNothingMayBeWritten) {
-    constexpr uid_t nobody = 65534;
-
     const struct {
         const char* description;
         std::vector<std::string> removed;
@@ -203,22 +222,18 @@ TEST_F(DamagedStoreTest, ValuesStayReadableWhereNothingMayBeWritten) {
             fs::permissions(entry, fs::perms(0444));
         fs::permissions(folder.path(), fs::perms(0555));
 
-        Process process([&, expected = value] {
-            // Root may write everywhere.
-            if (::geteuid() == 0) {
-                EXPECT_EQ(::setuid(nobody), 0);
-            }
+        {
+            const Nobody nobody;
             UserDefaults defaults(file);
-            EXPECT_EQ(defaults.stringForKey("key"), expected);
+            EXPECT_EQ(defaults.stringForKey("key"), value);
             log_.clear();
             defaults.setObject("newest", "key");
             defaults.removeObjectForKey("key");
             defaults.inOneTransaction([] { ADD_FAILURE() << "called without a transaction"; });
             EXPECT_THAT(log_.lines(), SizeIs(3));
             EXPECT_TRUE(log_.has("cannot be written"));
-            EXPECT_EQ(defaults.stringForKey("key"), expected);
-        });
-        EXPECT_TRUE(process.succeeded());
+            EXPECT_EQ(defaults.stringForKey("key"), value);
+        }
         fs::permissions(folder.path(), fs::perms(0700));
     }
 }

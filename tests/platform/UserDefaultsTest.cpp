@@ -7,7 +7,7 @@
 #include "support/FullDisk.h"
 #include "support/HeldStore.h"
 #include "support/LogCapture.h"
-#include "support/Process.h"
+#include "support/Program.h"
 #include "support/StoreFiles.h"
 #include "support/Threads.h"
 
@@ -84,30 +84,29 @@ TEST_F(UserDefaultsTest, ProcessesAndThreadsWriteAtOnceAndLoseNothing) {
     constexpr int kValues = 50;
     const auto write = [](UserDefaults& defaults, int writer) {
         for (int i = 0; i < kValues; ++i) {
-            const auto key = numbered(writer * kValues + i);
-            defaults.setObject(i, key);
-            EXPECT_EQ(defaults.objectForKey(key), Value(i)) << key;
-            defaults.setObject(i, "shared");
+            const int number = writer * kValues + i;
+            defaults.setObject(number, numbered(number));
+            EXPECT_EQ(defaults.objectForKey(numbered(number)), Value(number));
+            defaults.setObject(number, "shared");
         }
     };
-    const auto process = [&](int writer) {
-        UserDefaults defaults(file_);
-        write(defaults, writer);
-        EXPECT_THAT(log_.lines(), IsEmpty());
-    };
+    RunningProgram first({VELMORA_KEEPER, file_, "range", "0", std::to_string(kValues)});
+    RunningProgram second({VELMORA_KEEPER, file_, "range", std::to_string(kValues), std::to_string(kValues)});
+    for (auto* const program : {&first, &second}) EXPECT_EQ(program->line(), "ready");
     // All of them make the file, too.
-    Process first([&] { process(0); });
-    Process second([&] { process(1); });
+    for (auto* const program : {&first, &second}) program->say("go");
     {
         UserDefaults shared(file_);
         UserDefaults own(file_);
         const Threads threads(3, [&](int thread) { write(thread == 0 ? own : shared, 2 + thread); });
     }
-    EXPECT_TRUE(first.succeeded());
-    EXPECT_TRUE(second.succeeded());
+    for (auto* const program : {&first, &second}) {
+        EXPECT_EQ(program->line(), "0") << "lines in its log";
+        EXPECT_EQ(program->wait(), 0);
+    }
 
     UserDefaults defaults(file_);
-    for (int i = 0; i < 5 * kValues; ++i) EXPECT_EQ(defaults.objectForKey(numbered(i)), Value(i % kValues));
+    for (int i = 0; i < 5 * kValues; ++i) EXPECT_EQ(defaults.objectForKey(numbered(i)), Value(i));
     EXPECT_TRUE(defaults.hasKey("shared"));
     EXPECT_THAT(log_.lines(), IsEmpty());
 }
@@ -185,18 +184,6 @@ TEST_F(UserDefaultsTest, ACallGivesUpWhileAnotherProcessHoldsTheLock) {
 
 TEST_F(UserDefaultsTest, ATransactionIsStoredWholeOrNotAtAll) {
     HeldStore held(file_);
-    Pipe start;
-    Pipe hasChanged;
-    Process process([&] {
-        (void)start.read();
-        UserDefaults own(file_);
-        own.inOneTransaction([&] {
-            own.setObject("new", "first");
-            own.removeObjectForKey("second");
-            hasChanged.write(1);
-            for (;;) ::pause();
-        });
-    });
     UserDefaults defaults(file_);
     const auto change = [&] {
         EXPECT_EQ(defaults.stringForKey("first"), "old");
@@ -260,9 +247,11 @@ TEST_F(UserDefaultsTest, ATransactionIsStoredWholeOrNotAtAll) {
          false, 1},
         {"in a process that is killed",
          [&] {
-             start.write(1);
-             ASSERT_TRUE(hasChanged.read());
-             process.kill();
+             RunningProgram keeper({VELMORA_KEEPER, file_, "transaction"});
+             keeper.say("go");
+             EXPECT_EQ(keeper.line(), "ready");
+             EXPECT_EQ(keeper.line(), "changed");
+             keeper.kill();
          },
          false, 0},
     };
@@ -364,20 +353,14 @@ TEST_F(UserDefaultsTest, AKilledProcessKeepsEveryValueWhoseSetReturned) {
     std::mt19937 random(1);
     int stored = 0;
     for (int round = 0; round < 200; ++round) {
-        Pipe pipe;
-        Process writer([&] {
-            UserDefaults defaults(file_);
-            for (int i = stored + 1;; ++i) {
-                defaults.setObject(i, "number");
-                pipe.write(i);
-            }
-        });
-        pipe.closeWriting();
+        RunningProgram writer({VELMORA_KEEPER, file_, "count", std::to_string(stored + 1)});
+        writer.say("go");
+        EXPECT_EQ(writer.line(), "ready");
         int reported = stored;
         // It goes on writing meanwhile, so that the end comes anywhere in a later call.
-        for (auto reports = random() % 20; reports > 0; --reports) reported = pipe.read().value_or(0);
+        for (auto reports = random() % 20; reports > 0; --reports) reported = std::stoi(writer.line());
         writer.kill();
-        while (const auto number = pipe.read()) reported = *number;
+        for (auto line = writer.line(); !line.empty(); line = writer.line()) reported = std::stoi(line);
 
         UserDefaults defaults(file_);
         stored = static_cast<int>(platform::asInteger(defaults.objectForKey("number")));

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "support/Process.h"
-#include "support/StoreFiles.h"
+#include "support/Program.h"
 
 #include <filesystem>
 #include <string>
@@ -11,45 +10,27 @@
 
 namespace velmora::test {
 
-/// Another process that holds a lock on a store for as long as it is told to. Made before this process opens
-/// that store: a connection must not be carried into another process.
+/// Another process that holds a lock on a store for as long as it is told to.
 class HeldStore {
 public:
-    explicit HeldStore(const std::filesystem::path& file, const std::string& lock = "BEGIN EXCLUSIVE")
-        : holder_([&] {
-              if (orders_.read() != kHold) return;
-              Stranger stranger(file);
-              stranger.run(lock);
-              isHeld_.write(1);
-              (void)orders_.read();
-          }) {}
-
-    ~HeldStore() { letGo(); }
-
-    HeldStore(const HeldStore&) = delete;
-    HeldStore& operator=(const HeldStore&) = delete;
+    explicit HeldStore(const std::filesystem::path& file, std::string lock = "BEGIN EXCLUSIVE")
+        : lock_(std::move(lock)), holder_({"sqlite3", "-batch", "-cmd", ".timeout 10000", file.string()}) {}
 
     /// Returns when it is held.
     void hold() {
-        orders_.write(kHold);
-        EXPECT_TRUE(isHeld_.read());
+        holder_.say(lock_ + "; SELECT 'held';");
+        std::string said;
+        do said = holder_.line();
+        while (!said.empty() && said != "held");
+        EXPECT_EQ(said, "held");
     }
 
     /// It is not held again.
-    void letGo() {
-        if (std::exchange(hasLetGo_, true)) return;
-        orders_.write(kLetGo);
-        EXPECT_TRUE(holder_.succeeded());
-    }
+    void letGo() { EXPECT_EQ(holder_.wait(), 0); }
 
 private:
-    static constexpr int kHold = 1;
-    static constexpr int kLetGo = 2;
-
-    Pipe isHeld_;
-    Pipe orders_;
-    Process holder_;
-    bool hasLetGo_ = false;
+    const std::string lock_;
+    RunningProgram holder_;
 };
 
 }  // namespace velmora::test

@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -75,7 +77,8 @@ inline Ended runProgram(const std::vector<std::string>& words,
     return {.status = status, .output = textOf("out"), .errors = textOf("err")};
 }
 
-/// A program that runs beside the test, which reads what it prints, line by line, as it comes.
+/// A program that runs beside the test, which talks with it line by line. A test that is done with it closes
+/// what connects them and waits for it, so that it ends where it reads or writes on.
 class RunningProgram {
 public:
     explicit RunningProgram(const std::vector<std::string>& words,
@@ -96,8 +99,8 @@ public:
     }
 
     ~RunningProgram() {
-        wait();
         if (output_ != nullptr) std::fclose(output_);
+        wait();
     }
 
     RunningProgram(const RunningProgram&) = delete;
@@ -111,8 +114,20 @@ public:
         return text.substr(0, text.find('\n'));
     }
 
+    /// Writes a line to its input.
+    void say(const std::string& line) const {
+        const auto text = line + "\n";
+        EXPECT_EQ(::write(input_, text.data(), text.size()), static_cast<ssize_t>(text.size())) << line;
+    }
+
     void signal(int number) const {
         if (process_ > 0) ::kill(process_, number);
+    }
+
+    /// At once, wherever it is. What it wrote until then can still be read.
+    void kill() {
+        signal(SIGKILL);
+        wait();
     }
 
     /// Closes its input and lets it come to its end; the status of that, -1 when it was killed.
