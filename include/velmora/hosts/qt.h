@@ -29,8 +29,8 @@ public:
     void attach() {
         auto object = std::make_unique<QObject>();
         object->moveToThread(QCoreApplication::instance()->thread());
-        replace(std::move(object));
         qAddPostRoutine([] { instance().replace(nullptr); });
+        replace(std::move(object));
     }
 
     void post(std::function<void()> work) {
@@ -38,14 +38,20 @@ public:
         // Without an application object nothing is called; what waits stays with the library.
         if (!object_) return;
         work_.push_back(std::move(work));
-        QMetaObject::invokeMethod(
-            object_.get(), [] { instance().runNext(); }, Qt::QueuedConnection);
+        if (work_.size() == 1) wake();
     }
 
 private:
     void replace(std::unique_ptr<QObject> object) {
         const std::lock_guard<std::mutex> lock(mutex_);
         object_.swap(object);
+        work_.clear();
+    }
+
+    /// One call is on its way while any work waits.
+    void wake() {
+        QMetaObject::invokeMethod(
+            object_.get(), [] { instance().runNext(); }, Qt::QueuedConnection);
     }
 
     void runNext() {
@@ -55,6 +61,8 @@ private:
             if (work_.empty()) return;
             work = std::move(work_.front());
             work_.pop_front();
+            // Right before the work: an event loop that runs in it sleeps over what was posted earlier.
+            if (object_ && !work_.empty()) wake();
         }
         work();
     }
