@@ -145,6 +145,8 @@ TEST_F(ShutDown, ACallbackOnAnotherThreadIsWaitedForForASecondAtMost) {
 TEST_F(ShutDown, WhoeverRunsTheMainQueueHearsOfWhatWaitsThere) {
     request();
     ASSERT_TRUE(becomes([&] { return clock_->waiting() == 1; }));
+    // This thread is the one from here on.
+    Velmora::runWaiting();
     VelmoraManager::onAdShowFinished(nullptr, true);
     while (Velmora::runWaiting() == 0) continue;
     clock_->advance(1s);
