@@ -24,6 +24,7 @@ TEST(Locale, TheLanguagesOfTheSessionComeInTheUsersOrder) {
         {nullptr, nullptr, nullptr, "sr_RS@latin", {"sr-RS", "sr"}},
         {"zh_Hans_CN:es_419", nullptr, nullptr, nullptr, {"zh-Hans-CN", "zh", "es-419", "es"}},
         {"../../x:no such:e:", nullptr, nullptr, "pt_BR", {"pt-BR", "pt"}},
+        {"\xFF\xFE:d\xE4_DE:nl", nullptr, nullptr, "\xC3_AT", {"nl"}},
         {nullptr, nullptr, nullptr, nullptr, {}},
         {nullptr, "C.UTF-8", nullptr, "en_US", {}},
         {nullptr, "POSIX", nullptr, nullptr, {}},
